@@ -1,0 +1,78 @@
+/* Documents: create, open and close them, and give node ids back.
+ *
+ * Any thread may call. Locks are taken one after another and held for a look-up
+ * only; two threads must not work on one document at the same time, closing
+ * included. Ids come from the node registry, each id written is one hand-out and
+ * is owed back: TSXDocumentClose for document ids, TSXNodeClose for all others.
+ * An id lives until it has come back as often as it was handed out, or its
+ * document is closed or reloaded. Strings in are host-owned and in the local
+ * code page; a null handle is an empty string.
+ *
+ * A document id stands for the document object: the tree, its parser with its
+ * options, and its messages. The bare document node below it, which
+ * TSXGetParentNode of the document element gives, has an id of its own and is
+ * refused by every function that asks for a document. */
+#ifndef TESSEL_DOCUMENT_H
+#define TESSEL_DOCUMENT_H
+
+#include <stdint.h>
+#include <tessel/export.h>
+#include <tessel/host.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Opens a new document without any node and writes its id. Always 0. An
+ * exhausted heap leaves as a C++ exception, with nothing half made. */
+TSX_API TSXStatus TSXDocumentOpen(uint64_t ignored, TSXRefId* documentOut);
+
+/* Creates a document with a document element. `implementation` comes from
+ * TSXGetImplementation, `documentType` from TSXCreateDocumentType or is 0 for
+ * none. Writes the document's id, 0 on failure.
+ *   domErrRefCreateDocument         no such implementation
+ *   domErrRefCreateDocumentDocType  documentType is not 0 and no document type
+ *   domErrInvalidCharacter          the name is no XML name, or empty
+ *   domErrNamespace                 the name and the URI contradict each other
+ *   domErrWrongDocument             the type belongs to another document
+ *   domErrNotSupported, domErrUnexpected
+ * The document type is part of the document from then on, and its id ends with
+ * it; after a failure it may be used for another try. An exhausted heap while
+ * the strings are converted leaves as a C++ exception. */
+TSX_API TSXStatus TSXCreateDocument(TSXRefId implementation, HStr* namespaceURI,
+                                    HStr* qualifiedName, TSXRefId documentType,
+                                    TSXRefId* documentOut);
+
+/* Gives one hand-out of a document id back. The last one frees the document with
+ * all its nodes, attached or not, and takes the ids of all of them along,
+ * however often they were handed out. An id of the bare document node stays
+ * registered, answers with each function's reference code, and names nothing.
+ * Ids of lists, maps and implementations are not taken along: close them first.
+ * Costs a walk over all registered nodes of all documents. Ids that are unknown
+ * or 0 are ignored; the id of another node is given back without freeing it. */
+TSX_API void TSXDocumentClose(TSXRefId document);
+
+/* Gives one hand-out of a node's id back. Unknown ids and 0 are ignored.
+ *
+ * A node that was created or detached and that no tree owns is freed with
+ * everything below it, ids included, at EVERY close, also when other hand-outs
+ * of its id are open: those then answer with each function's reference code.
+ *
+ * On the last hand-out of the bare document node's id (TSXGetParentNode of the
+ * document element) every node id of that document is dropped; the tree and the
+ * document id stay. On the last hand-out of a document id the node ids go too,
+ * but the document object is not freed: use TSXDocumentClose for those. */
+TSX_API void TSXNodeClose(TSXRefId node);
+
+#ifdef __cplusplus
+}
+
+/* The host's cleanup procedure: frees a document that its program left open.
+ * `data` points to 8 bytes with the document id. The ids of the document and of
+ * its nodes stay registered and answer with each function's reference code; they
+ * are not given back. Exported under its C++ name, _Z21CleanupProcCXercesDOMPh,
+ * which is the symbol that a host asks for. */
+__attribute__((visibility("default"))) void CleanupProcCXercesDOM(unsigned char* data);
+#endif
+
+#endif

@@ -1,0 +1,124 @@
+/* Loading, saving, encodings, and replacing an element by XML text.
+ *
+ * Any thread may call, but two threads must not work on one document at once.
+ * File operations of all threads are done one after another; strings are loaded
+ * and written without that lock. Ids come from the node registry. Strings are
+ * host-owned handles; a null one is empty. No exception leaves a function of
+ * this header.
+ *
+ * Loads report in two strings. `parseErrors` receives the parser's lines when the
+ * parser counted errors ("Line 3, Column 7,  Message: ..."; each line ends in
+ * CR LF but a fatal error's, which has no line break) and is cleared when it
+ * counted none. `exceptionText` receives the text of an exception that aborted
+ * the call, and is otherwise left alone; so is `parseErrors` when there was an
+ * exception. Lines that an aborted load collected are reported by the next load
+ * of the same document that counts errors, before its own. Warnings are not
+ * reported. Lines and columns count from 1, columns in UTF-16 code units. */
+#ifndef TESSEL_IO_H
+#define TESSEL_IO_H
+
+#include <stdbool.h>
+#include <stdint.h>
+#include <tessel/export.h>
+#include <tessel/host.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* -- Loading -------------------------------------------------------------- */
+
+/* Reads a file into a document and replaces its tree; the document id and the
+ * parser's options stay. The new tree is what the parser produced, also when it
+ * counted errors: all of it after validation errors, the part before a fatal
+ * error. A file that cannot be opened is an error line, and the old tree stays.
+ *
+ * The ids of the old tree's nodes are withdrawn, the id of the bare document
+ * node stays and names nothing; both answer with each function's reference code.
+ * Lists and maps of the old tree are dead: close them before.
+ *   domErrRefLoadFile   no document object
+ *   domErrPathLoadFile  not a path, or an empty one
+ *   domErrParse         errors were counted, or the parser or the DOM raised
+ *   domErrUnexpected    any other exception
+ *   2                   the host refused the native path; nothing was read */
+TSX_API TSXStatus TSXLoadFile(TSXRefId document, HostPath path, HStr* parseErrors,
+                              HStr* exceptionText);
+
+/* As TSXLoadFile, from XML text: bytes in whatever encoding the text declares, up
+ * to the first NUL byte. Text in UTF-16 or UTF-32 holds NUL bytes and comes from
+ * a file. Relative references resolve against "LoadXMLString".
+ *   domErrRefDocument   no document object
+ *   domErrParse, domErrUnexpected */
+TSX_API TSXStatus TSXLoadString(TSXRefId document, HStr* xmlText, HStr* parseErrors,
+                                HStr* exceptionText);
+
+/* Replaces an element, tag and attributes included, by the root element of an XML
+ * document, parsed with the options of the element's document. The element's id
+ * moves to the new element with its hand-outs; ids of the old element's
+ * attributes and descendants are withdrawn. Comments, processing instructions
+ * and the document type around the new root are dropped. Malformed text whose
+ * root the parser had begun replaces the element by what was read; text without
+ * any root leaves it where it is.
+ *   domErrRefDocument   no element, an element without parent, or one of a
+ *                       cloned document, which no document object stands behind
+ *   domErrParse         errors were counted, or the parser or the DOM raised, as
+ *                       for a place that is read-only
+ *   domErrUnexpected    any other exception */
+TSX_API TSXStatus TSXElementSetXML(TSXRefId element, HStr* xmlText, HStr* parseErrors,
+                                   HStr* exceptionText);
+
+/* -- Writing -------------------------------------------------------------- */
+
+/* Writes a node with all below it as XML text, in the encoding of its document,
+ * and copies it to *xmlOut in one step: bytes in that encoding, not in the local
+ * code page. A document id writes the XML declaration too.
+ *   domErrRefGetXMLCommon   no node; *xmlOut is cleared
+ *   domErrSerialize         the writer raised; *xmlOut is left alone, as below
+ *   domErrInvalidCharacter  the writer could not write the node: an encoding that
+ *                           nobody knows, or an attribute, which is no XML alone
+ *   domErrUnexpected        no writer could be made
+ *   host code               the host refused the string */
+TSX_API TSXStatus TSIGetXMLCommon(TSXRefId node, HStr* xmlOut, bool prettyPrint);
+
+/* TSIGetXMLCommon as the tree stands. */
+TSX_API TSXStatus TSXGetXML(TSXRefId node, HStr* xmlOut);
+
+/* TSIGetXMLCommon with line breaks and indentation between elements. */
+TSX_API TSXStatus TSXGetXMLPP(TSXRefId node, HStr* xmlOut);
+
+/* Writes a document to a file, which is created or truncated first: after a
+ * failure its content is undefined, so write beside the target and rename where
+ * that matters. After any failure *errorText is "Failed to write file"; on success
+ * it is left alone. Should the writer refuse without a message, the status is 0 all
+ * the same and *errorText is the only sign.
+ *   domErrRefSaveFilePP  no document object; *errorText is left alone
+ *   domErrPathSaveFile   not a path, or an empty one; *errorText is left alone
+ *   domErrSaveFile       the file could not be opened or written, or the writer
+ *                        reported a problem, as of an encoding nobody knows
+ *   2                    the host refused the native path; nothing was written */
+TSX_API TSXStatus TSXSaveFile(TSXRefId document, HostPath path, HStr* errorText);
+
+/* TSXSaveFile with line breaks and indentation between elements. */
+TSX_API TSXStatus TSXSaveFilePP(TSXRefId document, HostPath path, HStr* errorText);
+
+/* -- Encoding ------------------------------------------------------------- */
+
+/* Sets the encoding that the document is written in and declares. The name must
+ * be an XML encoding name (a letter, then letters, digits, ".", "_" or "-"); it is
+ * not looked up, so an unknown one fails at writing.
+ *   domErrRefDocument       no document object
+ *   domErrInvalidCharacter  no encoding name; nothing changed */
+TSX_API TSXStatus TSXSetEncoding(TSXRefId document, uint64_t ignored, HStr* encoding);
+
+/* Copies the document's encoding: what its XML declaration named when it was
+ * loaded, or what was set since. Cleared when there is none; the document is then
+ * written as it was read, or in UTF-8.
+ *   domErrRefDocument       no document object; *encodingOut is left alone
+ *   host code               the host refused the string */
+TSX_API TSXStatus TSXGetEncoding(TSXRefId document, uint64_t ignored, HStr* encodingOut);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

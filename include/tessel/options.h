@@ -1,0 +1,73 @@
+/* Parser options: how a document's parser reads what is loaded into it.
+ *
+ * Each document has a parser of its own, so options are per document. An option
+ * holds for every later TSXLoadFile, TSXLoadString and TSXElementSetXML of that
+ * document, until it is set again or the document is closed; what has been read
+ * stays as it is.
+ *
+ * Any thread may call, but two threads must not work on one document at the
+ * same time, loading included. `document` is a document id as TSXDocumentOpen,
+ * TSXCreateDocument and TSXGetOwnerDocument give it; for any other id the
+ * entry's code is returned and *value is neither read nor written. Pointers
+ * must not be null; `ignored` is never read. A flag is one byte: a setter takes
+ * any non-zero value as true, a getter writes 0 or 1. Nothing else can fail,
+ * and nothing leaves as an exception.
+ *
+ * A fresh parser checks that the text is well-formed, applies what a DTD
+ * declares, and validates nothing. */
+#ifndef TESSEL_OPTIONS_H
+#define TESSEL_OPTIONS_H
+
+#include <stdint.h>
+#include <tessel/export.h>
+
+/* Namespaces. Default: off. When on, an undeclared prefix is an error, and
+ * elements and attributes have namespace URIs, prefixes and local names. When
+ * off, names are read as written, TSXGetNamespaceName and its siblings give
+ * nothing, and schemas cannot work. The set and get codes are also the
+ * validation scheme's: domErrRefSetDoNamespaces, domErrRefGetDoNamespaces. */
+TSX_API TSXStatus TSXSetDoNamespaces(TSXRefId document, uint64_t ignored, const uint8_t* value);
+TSX_API TSXStatus TSXGetDoNamespaces(TSXRefId document, uint64_t ignored, uint8_t* value);
+
+/* Validation scheme, a number. Default: 0. 0 never validates; 1 always does, so
+ * that a document without grammar has an error for every element; 2 does where
+ * the document names a DTD or a schema. Any other number is accepted and read
+ * back as 2. Violations are lines in the load's parseErrors, and the tree is
+ * built all the same. Codes shared with namespaces: domErrRefSetDoNamespaces,
+ * domErrRefGetDoNamespaces. */
+TSX_API TSXStatus TSXSetValidateOnLoad(TSXRefId document, uint64_t ignored, const int32_t* value);
+TSX_API TSXStatus TSXGetValidateOnLoad(TSXRefId document, uint64_t ignored, int32_t* value);
+
+/* Schemas. Default: off. When on, the schemas that a document names with
+ * xsi:schemaLocation and xsi:noNamespaceSchemaLocation are read and used. Needs
+ * namespaces on, and validation scheme 1 or 2 to check the document against
+ * them. domErrRefSetDoSchema, domErrRefGetDoSchema. */
+TSX_API TSXStatus TSXSetDoSchema(TSXRefId document, uint64_t ignored, const uint8_t* value);
+TSX_API TSXStatus TSXGetDoSchema(TSXRefId document, uint64_t ignored, uint8_t* value);
+
+/* Full checking of the schemas themselves. Default: off. When on, costly rules
+ * are checked too: unique particle attribution and restriction of particles.
+ * Matters only where schemas are on. domErrRefSetValidationSchemaFullChecking,
+ * domErrRefGetValidationSchemaFullChecking. */
+TSX_API TSXStatus TSXSetValidationSchemaFullChecking(TSXRefId document, uint64_t ignored,
+                                                     const uint8_t* value);
+TSX_API TSXStatus TSXGetValidationSchemaFullChecking(TSXRefId document, uint64_t ignored,
+                                                     uint8_t* value);
+
+/* External DTD. Default: on. When off, the DTD file that a document names is
+ * not read, and what it would supply (entities, default attributes) is missing.
+ * A DTD that is read and cannot be opened is a fatal error of the load. Only
+ * validation scheme 0 looks at the option: with 1 and 2 the DTD is read in any
+ * case. domErrRefSetLoadExternalDTD, domErrRefGetLoadExternalDTD. */
+TSX_API TSXStatus TSXSetLoadExternalDTD(TSXRefId document, uint64_t ignored, const uint8_t* value);
+TSX_API TSXStatus TSXGetLoadExternalDTD(TSXRefId document, uint64_t ignored, uint8_t* value);
+
+/* Ignorable whitespace. Default: kept. When off, white space between elements
+ * is left out of the tree where the DTD allows no text there. Only a load that
+ * validates (schemes 1 and 2) knows such places: with 0 all white space is
+ * kept. domErrRefSetPreserveWhitespace, domErrRefGetPreserveWhitespace. */
+TSX_API TSXStatus TSXSetPreserveWhitespace(TSXRefId document, uint64_t ignored,
+                                           const uint8_t* value);
+TSX_API TSXStatus TSXGetPreserveWhitespace(TSXRefId document, uint64_t ignored, uint8_t* value);
+
+#endif

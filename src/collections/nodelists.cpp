@@ -1,0 +1,151 @@
+#include <tessel/collections.h>
+#include <tessel/status.h>
+
+#include "api/frame.h"
+#include "collections/close.h"
+#include "collections/outs.h"
+
+using xercesc::DOMElement;
+using xercesc::DOMNode;
+using xercesc::DOMNodeList;
+
+namespace {
+
+using CHeldList = CHeld<DOMNodeList>;
+
+CHeldOut<DOMNodeList> ListOut(TSXRefId* pId) { return {pId, g_NodeListSessMap}; }
+
+// Kinds that cannot have children share one empty list for the whole process.
+bool HasListOfItsOwn(const DOMNode& node) {
+  switch (node.getNodeType()) {
+    case DOMNode::TEXT_NODE:
+    case DOMNode::CDATA_SECTION_NODE:
+    case DOMNode::COMMENT_NODE:
+    case DOMNode::PROCESSING_INSTRUCTION_NODE:
+    case DOMNode::NOTATION_NODE:
+      return false;
+    default:
+      return true;
+  }
+}
+
+// The node itself for a document object, whose lists live in its document.
+const DOMNode& HolderOf(const DOMNode& node) {
+  const auto* pDom = dynamic_cast<const CXercesDOM*>(&node);
+  return pDom != nullptr ? *pDom->DocumentNode() : node;
+}
+
+CHeldList ChildList(DOMNode& node) {
+  DOMNodeList* pList = node.getChildNodes();
+  if (!HasListOfItsOwn(node)) return {pList, nullptr};
+  const bool isDocument = node.getNodeType() == DOMNode::DOCUMENT_NODE;
+  return {pList, isDocument ? &HolderOf(node) : &node};
+}
+
+// Lists by tag name, of a document or of an element.
+template <class Interface>
+auto* RootOf(Interface& root) {
+  if constexpr (std::is_same_v<Interface, CXercesDOM>) {
+    return root.m_pDoc;
+  } else {
+    return &root;
+  }
+}
+
+constexpr auto kByName = [](auto& root, auto* pName) {
+  return RootOf(root)->getElementsByTagName(pName);
+};
+constexpr auto kByNameNS = [](auto& root, auto* pURI, auto* pName) {
+  return RootOf(root)->getElementsByTagNameNS(pURI, pName);
+};
+
+template <class Interface, class Find, class... Strings>
+TSXStatus GetList(TSXRefId root, TSXStatus badReference, TSXRefId* pListOut, Find find,
+                  Strings*... pStrings) {
+  return Get<Interface, Maps<>>(
+      root, badReference, ListOut(pListOut),
+      [&](auto& node, auto*... pTexts) {
+        return CHeldList{find(node, pTexts...), RootOf(node)};
+      },
+      pStrings...);
+}
+
+template <class Interface, class Find, class... Strings>
+TSXStatus GetArray(TSXRefId root, TSXStatus badReference, GenericRefObjSessionArray* pNodesOut,
+                   Find find, Strings*... pStrings) {
+  return Get<Interface, Maps<>>(root, badReference, CArrayOut(pNodesOut), find, pStrings...);
+}
+
+}  // namespace
+
+TSXStatus TSXGetChildNodeList(TSXRefId node, uint64_t, TSXRefId* listOut) {
+  return Get<DOMNode, Maps<>>(node, domErrRefGetChildNodeList, ListOut(listOut), ChildList);
+}
+
+TSXStatus TSXGetChildNodes(TSXRefId node, uint64_t, GenericRefObjSessionArray* nodesOut) {
+  return Get<DOMNode, Maps<>>(node, domErrRefGetChildNodeList, CArrayOut(nodesOut),
+                              [](auto& n) { return n.getChildNodes(); });
+}
+
+TSXStatus TSXGetElementsByTagNameList(TSXRefId document, HStr* name, TSXRefId* listOut) {
+  return GetList<CXercesDOM>(document, domErrRefGetElementsByTagNameList, listOut, kByName, name);
+}
+
+TSXStatus TSXGetElementsByTagName(TSXRefId document, HStr* name,
+                                  GenericRefObjSessionArray* nodesOut) {
+  return GetArray<CXercesDOM>(document, domErrRefGetElementsByTagNameList, nodesOut, kByName, name);
+}
+
+TSXStatus TSXGetElementsByTagNameNS(TSXRefId document, HStr* namespaceURI, HStr* localName,
+                                    TSXRefId* listOut) {
+  return GetList<CXercesDOM>(document, domErrRefGetElementsByTagNameNS, listOut, kByNameNS,
+                             namespaceURI, localName);
+}
+
+// Contract: the code of the functions without namespace.
+TSXStatus TSXGetElementsByTagNameNSArray(TSXRefId document, HStr* namespaceURI, HStr* localName,
+                                         GenericRefObjSessionArray* nodesOut) {
+  return GetArray<CXercesDOM>(document, domErrRefGetElementsByTagNameList, nodesOut, kByNameNS,
+                              namespaceURI, localName);
+}
+
+TSXStatus TSXElementGetElementsByTagName(TSXRefId element, HStr* name, TSXRefId* listOut) {
+  return GetList<DOMElement>(element, domErrRefElementGetElementsByTagName, listOut, kByName, name);
+}
+
+TSXStatus TSXElementGetElementsByTagNameArray(TSXRefId element, HStr* name,
+                                              GenericRefObjSessionArray* nodesOut) {
+  return GetArray<DOMElement>(element, domErrRefElementGetElementsByTagName, nodesOut, kByName,
+                              name);
+}
+
+TSXStatus TSXElementGetElementsByTagNameNS(TSXRefId element, HStr* namespaceURI, HStr* localName,
+                                           TSXRefId* listOut) {
+  return GetList<DOMElement>(element, domErrRefElementGetElementsByTagNameNS, listOut, kByNameNS,
+                             namespaceURI, localName);
+}
+
+TSXStatus TSXElementGetElementsByTagNameNSArray(TSXRefId element, HStr* namespaceURI,
+                                                HStr* localName,
+                                                GenericRefObjSessionArray* nodesOut) {
+  return GetArray<DOMElement>(element, domErrRefElementGetElementsByTagNameNS, nodesOut, kByNameNS,
+                              namespaceURI, localName);
+}
+
+TSXStatus TSXGetItem(TSXRefId list, int32_t index, TSXRefId* nodeOut) {
+  return Get<DOMNodeList, Maps<>>(list, domErrRefGetItem, CNodeOut(nodeOut), [&](auto& l) {
+    return index < 0 ? nullptr : l.item(static_cast<XMLSize_t>(index));
+  });
+}
+
+TSXStatus TSXGetListLength(TSXRefId list, uint64_t, int32_t* lengthOut) {
+  return Get<DOMNodeList, Maps<>>(list, domErrRefGetListLength, CCountOut(lengthOut),
+                                  [](auto& l) { return l.getLength(); });
+}
+
+TSXStatus TSXGetNodeListArray(TSXRefId list, uint64_t, GenericRefObjSessionArray* nodesOut) {
+  return Get<DOMNodeList, Maps<>>(list, domErrRefGetItem, CArrayOut(nodesOut),
+                                  [](auto& l) { return &l; });
+}
+
+void TSXNodeListClose(TSXRefId list) { CloseReference(g_NodeListSessMap, list); }

@@ -1,0 +1,148 @@
+#include <tessel/document.h>
+#include <tessel/status.h>
+
+#include <cstring>
+#include <memory>
+
+#include "document/find.h"
+#include "document/release.h"
+#include "host/domowner.h"
+#include "host/guards.h"
+#include "host/text.h"
+
+using xercesc::DOMDocument;
+using xercesc::DOMDocumentType;
+using xercesc::DOMException;
+using xercesc::DOMImplementation;
+using xercesc::DOMNode;
+
+namespace {
+
+// A document object on its way to the host. Unless it is kept, it goes again and
+// leaves no trace in the registries.
+class CNewDocument {
+ public:
+  CNewDocument() : m_pDom(std::make_unique<CXercesDOM>()) {}
+  ~CNewDocument() {
+    if (m_pDom == nullptr) return;
+    g_NodeSessMap.Withdraw({m_pDom.get()});
+    g_NodeDomMap.DeleteByDom(m_pDom.get());
+  }
+  CNewDocument(const CNewDocument&) = delete;
+  CNewDocument& operator=(const CNewDocument&) = delete;
+
+  void Adopt(DOMDocument* pDoc) {
+    m_pDom->m_pDoc->release();
+    m_pDom->m_pDoc = pDoc;
+  }
+  TSXRefId Register() { return g_NodeSessMap.Insert(m_pDom.get()); }
+  void Enter() { g_NodeDomMap.Insert(m_pDom->DocumentNode(), m_pDom.get()); }
+  void Keep() { static_cast<void>(m_pDom.release()); }
+
+ private:
+  std::unique_ptr<CXercesDOM> m_pDom;
+};
+
+// A name that the DOM refuses would leave the document type pointing into the
+// document that was given up, so the names are tried without the type first.
+CDOMOwner<DOMDocument> CreateTree(DOMImplementation& implementation, const XMLCh* pURI,
+                                  const XMLCh* pName, DOMDocumentType* pType) {
+  if (pType != nullptr && pType->getOwnerDocument() == nullptr) {
+    CDOMOwner<DOMDocument>(implementation.createDocument(pURI, pName, nullptr)).reset();
+  }
+  return CDOMOwner<DOMDocument>(implementation.createDocument(pURI, pName, pType));
+}
+
+TSXRefId CreateDocument(DOMImplementation& implementation, const XMLCh* pURI, const XMLCh* pName,
+                        DOMDocumentType* pType) {
+  CDOMOwner<DOMDocument> tree = CreateTree(implementation, pURI, pName, pType);
+  if (tree == nullptr) return 0;
+  CNewDocument document;
+  document.Adopt(tree.release());
+  document.Enter();
+  const TSXRefId id = document.Register();
+  if (pType != nullptr) g_NodeSessMap.InsertDocNodeMapEntry(pType->getOwnerDocument(), pType);
+  document.Keep();
+  return id;
+}
+
+// Frees what belongs to no document object and to no tree: a cloned document, a
+// document type that no document took. Its last id has just been given back.
+void ReleaseUnowned(const CDOMNodeSessMap::CEntry& entry) {
+  DOMNode* pNode = entry.m_pNode;
+  if (entry.m_Kind == ENodeKind::kBareDocument) {
+    if (g_NodeDomMap.GetDomByNode(pNode) == nullptr) ReleaseTree(dynamic_cast<DOMDocument*>(pNode));
+  } else if (pNode->getNodeType() == DOMNode::DOCUMENT_TYPE_NODE &&
+             pNode->getOwnerDocument() == nullptr) {
+    ReleaseNode(pNode);
+  }
+}
+
+void CloseDocument(TSXRefId id, const CDOMNodeSessMap::CEntry& entry) {
+  if (!g_NodeSessMap.DeleteBySess(id)) return;
+  if (entry.m_Kind != ENodeKind::kDocumentObject) {
+    ReleaseUnowned(entry);
+    return;
+  }
+  auto* pDom = static_cast<CXercesDOM*>(entry.m_pNode);
+  if (g_NodeDomMap.DeleteByDom(pDom)) DeleteDocumentObject(pDom);
+}
+
+void CloseNode(TSXRefId id, const CDOMNodeSessMap::CEntry& entry) {
+  const bool last = g_NodeSessMap.DeleteBySess(id);
+  // The document node's entry leads to its document object, which owns the tree:
+  // it does not make the node one to be freed.
+  if (entry.m_Kind == ENodeKind::kNode && g_NodeDomMap.DeleteByNode(entry.m_pNode)) {
+    // Contract: freed at every close, however many hand-outs are left.
+    ReleaseNode(entry.m_pNode);
+  } else if (last && entry.m_Kind != ENodeKind::kDocumentObject) {
+    ReleaseUnowned(entry);
+  }
+}
+
+// Contract: closing reports nothing and swallows what the DOM refuses.
+template <class Call>
+void Close(TSXRefId id, Call close) {
+  const auto entry = g_NodeSessMap.GetEntryBySess(id);
+  if (entry.m_pNode != nullptr) Always<domErrUnexpected>::Run([&] { close(id, entry); });
+}
+
+}  // namespace
+
+TSXStatus TSXDocumentOpen(uint64_t, TSXRefId* documentOut) {
+  CNewDocument document;
+  *documentOut = document.Register();
+  document.Enter();
+  document.Keep();
+  return 0;
+}
+
+TSXStatus TSXCreateDocument(TSXRefId implementation, HStr* namespaceURI, HStr* qualifiedName,
+                            TSXRefId documentType, TSXRefId* documentOut) {
+  DOMImplementation* pImplementation = g_DOMImplSessMap.GetPtrBySess(implementation);
+  auto* pType = documentType != 0 ? FindObject<DOMDocumentType>(documentType) : nullptr;
+  *documentOut = 0;
+  if (pImplementation == nullptr) return domErrRefCreateDocument;
+  if (documentType != 0 && pType == nullptr) return domErrRefCreateDocumentDocType;
+  const CWideText uri(namespaceURI);
+  const CWideText name(qualifiedName);
+  return Maps<DOMException::INVALID_CHARACTER_ERR, DOMException::NAMESPACE_ERR,
+              DOMException::WRONG_DOCUMENT_ERR, DOMException::NOT_SUPPORTED_ERR>::Run([&] {
+    *documentOut = CreateDocument(*pImplementation, uri.Get(), name.Get(), pType);
+  });
+}
+
+void TSXDocumentClose(TSXRefId document) { Close(document, CloseDocument); }
+
+void TSXNodeClose(TSXRefId node) { Close(node, CloseNode); }
+
+void CleanupProcCXercesDOM(unsigned char* data) {
+  TSXRefId document = 0;
+  std::memcpy(&document, data, sizeof document);
+  CXercesDOM* pDom = FindObject<CXercesDOM>(document);
+  if (pDom == nullptr || !g_NodeDomMap.DeleteByDom(pDom)) return;
+  // Contract: the ids stay registered; they name nothing from here on.
+  g_NodeSessMap.ForgetDocument(pDom->m_pDoc);
+  g_NodeSessMap.Forget(pDom);
+  DeleteDocumentObject(pDom);
+}

@@ -1,0 +1,71 @@
+#include "document/release.h"
+
+#include <algorithm>
+
+#include "document/xercesdom.h"
+#include "registry/globals.h"
+#include "registry/nodetree.h"
+
+using xercesc::DOMDocument;
+using xercesc::DOMNode;
+
+namespace {
+
+// What is remembered of a whole tree beside its nodes' ids.
+void ForgetTree(DOMDocument* pDoc) {
+  g_NodeDomMap.DeleteByTree(pDoc);
+  g_NodeListSessMap.ForgetHeldIn(pDoc);
+  g_NamedNodeMapSessMap.ForgetHeldIn(pDoc);
+}
+
+}  // namespace
+
+CDoomedNodes CDoomedNodes::Whole(DOMNode* pNode) {
+  CDoomedNodes doomed;
+  if (pNode != nullptr) doomed.Collect(pNode);
+  return doomed;
+}
+
+CDoomedNodes CDoomedNodes::Below(DOMNode* pNode) {
+  CDoomedNodes doomed;
+  if (pNode == nullptr) return doomed;
+  for (DOMNode* pChild = pNode->getFirstChild(); pChild != nullptr;
+       pChild = pChild->getNextSibling()) {
+    doomed.Collect(pChild);
+  }
+  return doomed;
+}
+
+void CDoomedNodes::Collect(DOMNode* pNode) {
+  nodetree::ForEach(pNode, [this](DOMNode* pDoomed) { m_Nodes.push_back(pDoomed); });
+}
+
+void CDoomedNodes::Withdraw() {
+  if (m_Nodes.empty()) return;
+  std::sort(m_Nodes.begin(), m_Nodes.end());
+  g_NodeListSessMap.ForgetHeldBy(m_Nodes);
+  g_NamedNodeMapSessMap.ForgetHeldBy(m_Nodes);
+  g_NodeSessMap.Withdraw(m_Nodes);
+  g_NodeDomMap.Delete(m_Nodes);
+}
+
+void ReleaseNode(DOMNode* pNode) {
+  CDoomedNodes doomed = CDoomedNodes::Whole(pNode);
+  pNode->release();
+  g_NodeSessMap.Forget(pNode);
+  doomed.Withdraw();
+}
+
+// A document's memory goes back to the heap that all threads share, so what
+// points at it is withdrawn first.
+void ReleaseTree(DOMDocument* pDoc) {
+  g_NodeSessMap.WithdrawDocument(pDoc);
+  ForgetTree(pDoc);
+  pDoc->release();
+}
+
+void DeleteDocumentObject(CXercesDOM* pDom) {
+  g_NodeSessMap.Forget(pDom->DocumentNode());
+  ForgetTree(pDom->m_pDoc);
+  delete pDom;
+}

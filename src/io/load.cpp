@@ -1,0 +1,62 @@
+#include <tessel/io.h>
+#include <tessel/status.h>
+
+#include "document/find.h"
+#include "document/release.h"
+#include "io/nativepath.h"
+#include "io/parse.h"
+#include "io/parseguard.h"
+
+using xercesc::DOMDocument;
+
+namespace {
+
+// Contract: the first text of each pair has no full stop, the second has one.
+constexpr CParseTexts kFileTexts{"SAXParseException caught while loading file",
+                                 "Error occurred while loading file."};
+constexpr CParseTexts kStringTexts{"SAXParseException caught while loading XML string",
+                                   "Error occurred while loading XML string."};
+
+// The new tree is known by its document node before the old one goes, so that no
+// moment is without a document.
+void ReplaceTree(CXercesDOM& dom) {
+  CDOMOwner<DOMDocument> parsed = TakeParsed(dom);
+  if (parsed == nullptr) return;
+  g_NodeDomMap.Insert(parsed.get(), &dom);
+  DOMDocument* pOld = dom.m_pDoc;
+  dom.m_pDoc = parsed.release();
+  ReleaseTree(pOld);
+}
+
+template <class Parse>
+TSXStatus Load(CXercesDOM& dom, const CParseTexts& texts, HStr* pParseErrors, HStr* pExceptionText,
+               Parse parse) {
+  return RunParse(texts, pExceptionText, [&] {
+    parse(*dom.m_pParser);
+    ReplaceTree(dom);
+    return ReportParse(dom, pParseErrors);
+  });
+}
+
+}  // namespace
+
+TSXStatus TSXLoadFile(TSXRefId document, HostPath path, HStr* parseErrors, HStr* exceptionText) {
+  CHostLock lock(g_MutexInitializer.m_Mutex);
+  auto* pDom = FindObject<CXercesDOM>(document);
+  if (pDom == nullptr) return domErrRefLoadFile;
+  if (!IsUsablePath(path)) return domErrPathLoadFile;
+  const CNativePath native(path);
+  if (native.Get() == nullptr) return CNativePath::kRefused;
+  return Load(*pDom, kFileTexts, parseErrors, exceptionText,
+              [&](auto& parser) { parser.parse(native.Get()); });
+}
+
+// Contract: no file lock here, unlike the other load.
+TSXStatus TSXLoadString(TSXRefId document, HStr* xmlText, HStr* parseErrors, HStr* exceptionText) {
+  auto* pDom = FindObject<CXercesDOM>(document);
+  if (pDom == nullptr) return domErrRefDocument;
+  return Load(*pDom, kStringTexts, parseErrors, exceptionText, [&](auto& parser) {
+    const CStringSource source(xmlText, "LoadXMLString");
+    parser.parse(source.Get());
+  });
+}

@@ -1,0 +1,48 @@
+#include <tessel/io.h>
+#include <tessel/status.h>
+
+#include "document/find.h"
+#include "document/release.h"
+#include "io/parse.h"
+#include "io/parseguard.h"
+
+using xercesc::DOMDocument;
+using xercesc::DOMElement;
+using xercesc::DOMNode;
+
+namespace {
+
+// Contract: spelt "seting", and both end with a full stop.
+constexpr CParseTexts kTexts{"SAXParseException caught while seting element XML.",
+                             "Error occurred while seting element XML."};
+
+// Puts a copy of the parsed root in the element's place; the id moves with it.
+void ReplaceElement(TSXRefId id, DOMElement& element, DOMNode& parent, DOMElement* pParsedRoot) {
+  DOMNode* pDetached = pParsedRoot->getOwnerDocument()->removeChild(pParsedRoot);
+  CDOMOwner<DOMNode> imported(element.getOwnerDocument()->importNode(pDetached, true));
+  parent.replaceChild(imported.get(), &element);
+  g_NodeSessMap.ResetPtr(imported.release(), id);
+  ReleaseNode(&element);
+}
+
+}  // namespace
+
+TSXStatus TSXElementSetXML(TSXRefId element, HStr* xmlText, HStr* parseErrors,
+                           HStr* exceptionText) {
+  auto* pElement = FindObject<DOMElement>(element);
+  if (pElement == nullptr) return domErrRefDocument;
+  CXercesDOM* pDom = g_NodeDomMap.GetDomByNode(pElement->getOwnerDocument());
+  if (pDom == nullptr) return domErrRefDocument;
+  return RunParse(kTexts, exceptionText, [&]() -> TSXStatus {
+    const CStringSource source(xmlText, "SetXMLString");
+    pDom->m_pParser->parse(source.Get());
+    const CDOMOwner<DOMDocument> parsed = TakeParsed(*pDom);
+    DOMElement* pParsedRoot = parsed != nullptr ? parsed->getDocumentElement() : nullptr;
+    if (parsed != nullptr) {
+      DOMNode* pParent = pElement->getParentNode();
+      if (pParent == nullptr) return domErrRefDocument;
+      if (pParsedRoot != nullptr) ReplaceElement(element, *pElement, *pParent, pParsedRoot);
+    }
+    return ReportParse(*pDom, parseErrors);
+  });
+}

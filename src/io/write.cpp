@@ -1,0 +1,132 @@
+#include <tessel/io.h>
+#include <tessel/status.h>
+
+#include <limits>
+#include <xercesc/dom/DOMImplementationRegistry.hpp>
+#include <xercesc/framework/MemBufFormatTarget.hpp>
+
+#include "document/find.h"
+#include "host/guards.h"
+#include "io/domwriter.h"
+#include "io/filetarget.h"
+#include "io/nativepath.h"
+#include "io/saveguard.h"
+
+using xercesc::DOMDocument;
+using xercesc::DOMNode;
+using xercesc::MemBufFormatTarget;
+
+namespace {
+
+// A null document for a document type that no document has taken.
+DOMDocument* DocumentOf(DOMNode* pNode) {
+  if (pNode->getNodeType() == DOMNode::DOCUMENT_NODE) return dynamic_cast<DOMDocument*>(pNode);
+  return pNode->getOwnerDocument();
+}
+
+// What to write for a registered node: a document object stands for its document.
+DOMNode* WrittenNode(const CDOMNodeSessMap::CEntry& entry) {
+  if (entry.m_Kind != ENodeKind::kDocumentObject) return entry.m_pNode;
+  return static_cast<CXercesDOM*>(entry.m_pNode)->DocumentNode();
+}
+
+TSXStatus StoreBytes(const MemBufFormatTarget& target, HStr* pOut) {
+  if (target.getLen() > static_cast<XMLSize_t>(std::numeric_limits<int32_t>::max())) {
+    return CNativePath::kRefused;
+  }
+  return HostStringFromPtr(pOut, static_cast<int32_t>(target.getLen()), target.getRawBuffer());
+}
+
+TSXStatus WriteToString(DOMNode* pNode, CDOMWriter& writer, HStr* pOut) {
+  MemBufFormatTarget target(1023);
+  bool written = false;
+  const TSXStatus status = Always<domErrSerialize>::Run([&] {
+    if (const DOMDocument* pDoc = DocumentOf(pNode)) writer.SetEncoding(GetDocumentEncoding(*pDoc));
+    written = writer.WriteNode(target, *pNode);
+  });
+  if (status != 0) return status;
+  return written ? StoreBytes(target, pOut) : domErrInvalidCharacter;
+}
+
+// Writes the document and says whether the writer was content. The reporter keeps
+// what the writer complained of.
+TSXStatus WriteToFile(CXercesDOM& dom, CDOMWriter& writer, const char* pPath, HStr* pErrorText,
+                      bool& written) {
+  writer.SetEncoding(GetDocumentEncoding(*dom.m_pDoc));
+  writer.SetErrorHandler(dom.m_pErrorReporter);
+  dom.m_pErrorReporter->setDOMEHCode(0);
+  CFileTarget target(pPath);
+  written = writer.WriteNode(target, *dom.DocumentNode());
+  target.Close();
+  if (dom.m_pErrorReporter->getDOMEHCode() == 0) return 0;
+  CStrToHStr(dom.m_pErrorReporter->getDOMError(), pErrorText);
+  return domErrSaveFile;
+}
+
+using CPrepare = void (*)(CDOMWriter&);
+void Plain(CDOMWriter&) {}
+void PrettyPrint(CDOMWriter& writer) { writer.SetPrettyPrint(); }
+
+TSXStatus SaveFile(TSXRefId document, HostPath path, HStr* pErrorText, CPrepare prepare) {
+  CHostLock lock(g_MutexInitializer.m_Mutex);
+  auto* pDom = FindObject<CXercesDOM>(document);
+  if (pDom == nullptr) return domErrRefSaveFilePP;
+  if (!IsUsablePath(path)) return domErrPathSaveFile;
+  const CNativePath native(path);
+  if (native.Get() == nullptr) return CNativePath::kRefused;
+  bool written = false;
+  const TSXStatus status = RunSave(pErrorText, [&] {
+    CDOMWriter writer(*pDom->m_pDoc->getImplementation());
+    prepare(writer);
+    return WriteToFile(*pDom, writer, native.Get(), pErrorText, written);
+  });
+  // Contract: this text replaces every other, and it is written also when the
+  // writer gave up without an error, where the status is 0.
+  if (status != 0 || !written) CStrToHStr("Failed to write file", pErrorText);
+  return status;
+}
+
+}  // namespace
+
+TSXStatus TSIGetXMLCommon(TSXRefId node, HStr* xmlOut, bool prettyPrint) {
+  const auto entry = g_NodeSessMap.GetEntryBySess(node);
+  if (entry.m_pNode == nullptr) {
+    ClearString(xmlOut);
+    return domErrRefGetXMLCommon;
+  }
+  const XMLCh features[] = u"LS";
+  xercesc::DOMImplementation* pImplementation =
+      xercesc::DOMImplementationRegistry::getDOMImplementation(features);
+  if (pImplementation == nullptr) return domErrUnexpected;
+  CDOMWriter writer(*pImplementation);
+  if (!writer.IsMade()) return domErrUnexpected;
+  if (prettyPrint) writer.SetPrettyPrint();
+  return WriteToString(WrittenNode(entry), writer, xmlOut);
+}
+
+TSXStatus TSXGetXML(TSXRefId node, HStr* xmlOut) { return TSIGetXMLCommon(node, xmlOut, false); }
+
+TSXStatus TSXGetXMLPP(TSXRefId node, HStr* xmlOut) { return TSIGetXMLCommon(node, xmlOut, true); }
+
+TSXStatus TSXSaveFile(TSXRefId document, HostPath path, HStr* errorText) {
+  return SaveFile(document, path, errorText, Plain);
+}
+
+TSXStatus TSXSaveFilePP(TSXRefId document, HostPath path, HStr* errorText) {
+  return SaveFile(document, path, errorText, PrettyPrint);
+}
+
+TSXStatus TSXSetEncoding(TSXRefId document, uint64_t, HStr* encoding) {
+  auto* pDom = FindObject<CXercesDOM>(document);
+  if (pDom == nullptr) return domErrRefDocument;
+  const CWideText name(encoding);
+  if (!xercesc::XMLString::isValidEncName(name.Get())) return domErrInvalidCharacter;
+  SetDocumentEncoding(*pDom->m_pDoc, name.Get());
+  return 0;
+}
+
+TSXStatus TSXGetEncoding(TSXRefId document, uint64_t, HStr* encodingOut) {
+  auto* pDom = FindObject<CXercesDOM>(document);
+  if (pDom == nullptr) return domErrRefDocument;
+  return StoreText(GetDocumentEncoding(*pDom->m_pDoc), encodingOut);
+}

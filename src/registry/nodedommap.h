@@ -1,0 +1,53 @@
+// Ties nodes to the document object that answers for them.
+#pragma once
+
+#include <map>
+#include <vector>
+#include <xercesc/dom/DOM.hpp>
+
+#include "host/hostmutex.h"
+
+class CXercesDOM;
+
+// Two kinds of entry: the document node of every document object, so that the
+// object can be found from any node of its tree, and every node that the library
+// created or detached and no tree owns yet, so that closing its id frees it.
+//
+// An entry also remembers the document whose tree its node dies with: an import
+// enters a node of one document against the document object of another.
+class CNodeDomMap {
+ public:
+  explicit CNodeDomMap(const char* pMutexName) : m_Mutex(pMutexName) {}
+  CNodeDomMap(const CNodeDomMap&) = delete;
+  CNodeDomMap& operator=(const CNodeDomMap&) = delete;
+
+  // The first entry of a node wins; a null argument changes nothing.
+  void Insert(xercesc::DOMNode* pNode, CXercesDOM* pDom);
+
+  CXercesDOM* GetDomByNode(xercesc::DOMNode* pNode);
+
+  // True exactly when an entry was erased.
+  bool DeleteByNode(xercesc::DOMNode* pNode);
+
+  // Erases every entry of a document object; true when there was one.
+  bool DeleteByDom(CXercesDOM* pDom);
+
+  // Erases every entry of a node that dies with this document's tree, the
+  // document node included.
+  void DeleteByTree(const xercesc::DOMDocument* pDoc);
+
+  // Erases the entries that these nodes have. The nodes may be gone: their
+  // addresses serve as keys only.
+  void Delete(const std::vector<xercesc::DOMNode*>& nodes);
+
+  size_t EntryCount();
+
+ private:
+  struct CEntry {
+    CXercesDOM* m_pDom;
+    const xercesc::DOMDocument* m_pTree;
+  };
+
+  std::map<xercesc::DOMNode*, CEntry> m_NodeToDom TESSEL_GUARDED_BY(m_Mutex);
+  CHostMutex m_Mutex;
+};

@@ -1,0 +1,89 @@
+#include "hostexports.h"
+
+#include "ledger.h"
+
+#include <atomic>
+
+#include "mutextrace.h"
+
+namespace {
+
+constexpr size_t kCounters = static_cast<size_t>(ECounter::End);
+
+// A thing may be born in one lane and die in another: only the sum over all
+// lanes means something.
+struct alignas(kCacheLine) SLane {
+  std::atomic<int64_t> counters[kCounters];
+};
+
+constinit SLane g_Lanes[kLanes] = {};
+constinit std::atomic<int64_t> g_Deepest{0};
+constinit std::atomic<const char*> g_pLastViolation{nullptr};
+constinit std::atomic<uint64_t> g_LastThread{0};
+constinit thread_local uint64_t t_Thread = 0;
+
+std::atomic<int64_t>& InLane(size_t lane, ECounter counter) {
+  return g_Lanes[lane].counters[static_cast<size_t>(counter)];
+}
+
+int64_t Total(ECounter counter) {
+  int64_t total = 0;
+  for (size_t lane = 0; lane < kLanes; ++lane) {
+    total += InLane(lane, counter).load(std::memory_order_relaxed);
+  }
+  return total;
+}
+
+void Clear(ECounter counter) {
+  for (size_t lane = 0; lane < kLanes; ++lane) {
+    InLane(lane, counter).store(0, std::memory_order_relaxed);
+  }
+}
+
+}  // namespace
+
+uint64_t ThreadNumber() {
+  if (t_Thread == 0) t_Thread = g_LastThread.fetch_add(1, std::memory_order_relaxed) + 1;
+  return t_Thread;
+}
+
+void Count(ECounter counter, int64_t change) {
+  InLane(ThreadLane(), counter).fetch_add(change, std::memory_order_relaxed);
+}
+
+void Violation(const char* pText) {
+  g_pLastViolation.store(pText, std::memory_order_relaxed);
+  Count(ECounter::Violations, 1);
+}
+
+void NoteDepth(int64_t depth) {
+  int64_t deepest = g_Deepest.load(std::memory_order_relaxed);
+  while (depth > deepest &&
+         !g_Deepest.compare_exchange_weak(deepest, depth, std::memory_order_relaxed)) {
+  }
+}
+
+uint64_t StandinThread() { return ThreadNumber(); }
+
+void StandinReadLedger(StandinLedger* ledger) {
+  *ledger = {.handles = Total(ECounter::Handles),
+             .handleBytes = Total(ECounter::HandleBytes),
+             .pointers = Total(ECounter::Pointers),
+             .paths = Total(ECounter::Paths),
+             .mutexes = Total(ECounter::Mutexes),
+             .requests = Total(ECounter::Requests),
+             .refusals = Total(ECounter::Refusals),
+             .violations = Total(ECounter::Violations),
+             .deepest = g_Deepest.load(std::memory_order_relaxed)};
+}
+
+const char* StandinLastViolation() { return g_pLastViolation.load(std::memory_order_relaxed); }
+
+void StandinForgetHistory() {
+  Clear(ECounter::Requests);
+  Clear(ECounter::Refusals);
+  Clear(ECounter::Violations);
+  g_Deepest.store(0, std::memory_order_relaxed);
+  g_pLastViolation.store(nullptr, std::memory_order_relaxed);
+  ForgetMutexPairs();
+}

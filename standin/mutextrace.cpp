@@ -1,0 +1,79 @@
+#include "mutextrace.h"
+
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ledger.h"
+
+namespace {
+
+using TPair = std::pair<const char*, const char*>;
+
+// Guarded by g_Mutex.
+struct SMemory {
+  std::set<std::string, std::less<>> names;
+  std::set<TPair> pairs;
+  std::vector<StandinMutexEvent> events;
+};
+
+constinit std::mutex g_Mutex;
+constinit std::atomic<bool> g_Tracing{false};
+
+// Kept to the end of the process and past every destructor.
+SMemory& Memory() {
+  static SMemory& s_Memory = *new SMemory;
+  return s_Memory;
+}
+
+}  // namespace
+
+const char* KeptName(const char* pName) noexcept {
+  const std::lock_guard lock(g_Mutex);
+  return Memory().names.emplace(pName != nullptr ? pName : "").first->c_str();
+}
+
+void NoteMutexEvent(StandinMutexAction action, const char* pName) noexcept {
+  if (!g_Tracing.load(std::memory_order_relaxed)) return;
+  const std::lock_guard lock(g_Mutex);
+  Memory().events.push_back({action, pName, ThreadNumber()});
+}
+
+void NoteMutexPair(const char* pHeld, const char* pTaken) noexcept {
+  const std::lock_guard lock(g_Mutex);
+  Memory().pairs.emplace(pHeld, pTaken);
+}
+
+void ForgetMutexPairs() noexcept {
+  const std::lock_guard lock(g_Mutex);
+  Memory().pairs.clear();
+}
+
+size_t StandinReadMutexPairs(StandinMutexPair* pairs, size_t capacity) {
+  const std::lock_guard lock(g_Mutex);
+  size_t count = 0;
+  for (const auto& [pHeld, pTaken] : Memory().pairs) {
+    if (count < capacity) pairs[count] = {pHeld, pTaken};
+    ++count;
+  }
+  return count;
+}
+
+size_t StandinReadTrace(StandinMutexEvent* events, size_t capacity) {
+  const std::lock_guard lock(g_Mutex);
+  const auto& all = Memory().events;
+  std::copy_n(all.begin(), std::min(all.size(), capacity), events);
+  return all.size();
+}
+
+void StandinTraceStart() {
+  const std::lock_guard lock(g_Mutex);
+  Memory().events.clear();
+  g_Tracing.store(true, std::memory_order_relaxed);
+}
+
+void StandinTraceStop() { g_Tracing.store(false, std::memory_order_relaxed); }

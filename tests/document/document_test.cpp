@@ -1,0 +1,177 @@
+// A document's life: opened, created, shared, closed, cleaned up.
+#include "document/errorreporter.h"
+#include "document/xercesdom.h"
+#include "support/support.h"
+
+#include <xercesc/sax/SAXParseException.hpp>
+
+namespace {
+
+using support::CDoc;
+using support::CText;
+using support::IdOf;
+
+class Document : public support::CLedgerTest {
+ protected:
+  // Creates a document; the codes are what the cases are about.
+  static TSXStatus Create(TSXRefId impl, const char* pURI, const char* pName, TSXRefId type,
+                          TSXRefId* pId) {
+    CText uri(pURI), name(pName);
+    return TSXCreateDocument(impl, &uri, &name, type, pId);
+  }
+  static TSXRefId Type(TSXRefId impl, const char* pName) {
+    CText name(pName), publicId("p"), systemId("s");
+    return IdOf(TSXCreateDocumentType, impl, &name, &publicId, &systemId);
+  }
+};
+
+TEST_F(Document, OpensEmptyAndAnswersAsADocument) {
+  CDoc doc;
+  int32_t type = 0;
+  EXPECT_EQ(TSXGetNodeType(doc.Id(), 0, &type), 0);
+  EXPECT_EQ(type, 9);
+  EXPECT_EQ(support::FirstChild(doc.Id()), 0u);
+  EXPECT_EQ(IdOf(TSXGetOwnerDocument, doc.Id(), uint64_t{0}), 0u);
+}
+
+TEST_F(Document, ReleaseFreesTheTreeButNotTheObject) {
+  CXercesDOM dom;
+  dom.m_pDoc->createElement(u"loose");
+  dom.release();
+  EXPECT_EQ(dom.m_pDoc, nullptr);
+  EXPECT_FALSE(dom.m_pParser->getDoNamespaces());
+}
+
+TEST_F(Document, CreationRefusesWithItsCodesAndKeepsTheType) {
+  CDoc doc;
+  const TSXRefId impl = IdOf(TSXGetImplementation, doc.Id(), uint64_t{0});
+  const TSXRefId type = Type(impl, "r");
+  struct {
+    TSXRefId impl;
+    const char* pURI;
+    const char* pName;
+    TSXRefId type;
+    TSXStatus code;
+  } const rows[] = {
+      {0, "", "r", 999, domErrRefCreateDocument},
+      {impl, "", "r", 999, domErrRefCreateDocumentDocType},
+      {impl, "", "r", doc.Id(), domErrRefCreateDocumentDocType},
+      {impl, "", "1r", 0, domErrInvalidCharacter},
+      {impl, "", "1r", type, domErrInvalidCharacter},
+      {impl, "", "p:r", type, domErrNamespace},
+      {impl, "", "", type, domErrInvalidCharacter},
+  };
+  for (const auto& row : rows) {
+    TSXRefId id = 77;
+    EXPECT_EQ(Create(row.impl, row.pURI, row.pName, row.type, &id), row.code) << row.pName;
+    EXPECT_EQ(id, 0u);
+  }
+  TSXRefId id = 0;
+  ASSERT_EQ(Create(impl, "u", "r", type, &id), 0) << "the type serves a second try";
+  TSXRefId again = 77;
+  EXPECT_EQ(Create(impl, "", "r", type, &again), domErrWrongDocument);
+  EXPECT_EQ(again, 0u);
+  EXPECT_EQ(support::TextOf(TSXGetXML, id),
+            "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\" ?>"
+            "<!DOCTYPE r PUBLIC \"p\" \"s\"><r xmlns=\"u\"/>");
+  TSXDocumentClose(id);
+  EXPECT_FALSE(support::Resolves(type)) << "the type went with its document";
+  TSXImplementationClose(impl);
+}
+
+TEST_F(Document, TypeThatNoDocumentTakesGoesWithItsLastHandOut) {
+  CDoc doc;
+  const TSXRefId impl = IdOf(TSXGetImplementation, doc.Id(), uint64_t{0});
+  doc.Close();
+  const TSXRefId type = Type(impl, "t");
+  EXPECT_EQ(support::Name(type), "t");
+  EXPECT_EQ(support::TextOf(TSXGetText, type), "") << "must not reach the DOM";
+  EXPECT_EQ(support::TextOf(TSXGetXML, type), "<!DOCTYPE t PUBLIC \"p\" \"s\">");
+  TSXNodeClose(type);
+  EXPECT_FALSE(support::Resolves(type));
+  TSXImplementationClose(impl);
+}
+
+TEST_F(Document, NodeCloseFreesOnlyWhatNoTreeOwns) {
+  CDoc doc("<r><a/></r>");
+  const TSXRefId loose = support::Create(doc.Id(), "loose");
+  const TSXRefId child = support::Create(doc.Id(), "child");
+  EXPECT_EQ(TSXAppendChild(loose, child), 0);
+  EXPECT_EQ(support::FirstChild(loose), child);
+  EXPECT_EQ(support::Parent(child), loose);  // a second hand-out of both
+  TSXNodeClose(loose);
+  // Contract: freed at every close. The count stays, the object does not.
+  EXPECT_FALSE(support::Resolves(loose));
+  EXPECT_FALSE(support::Resolves(child));
+  // The DOM recycles the freed node: its address must come back under a new id.
+  const TSXRefId next = support::Create(doc.Id(), "next");
+  EXPECT_NE(next, loose);
+  EXPECT_NE(next, child);
+  EXPECT_FALSE(support::Resolves(loose));
+  const TSXRefId a = support::FirstChild(doc.Root());
+  TSXNodeClose(a);
+  EXPECT_EQ(doc.Xml().find("<r><a/></r>") == std::string::npos, false);
+}
+
+TEST_F(Document, CloseOfAnOrdinaryNodeAsDocumentFreesNothing) {
+  CDoc doc;
+  const TSXRefId loose = support::Create(doc.Id(), "loose");
+  auto* pNode = g_NodeSessMap.GetPtrBySess(loose);
+  TSXDocumentClose(loose);
+  EXPECT_FALSE(support::Resolves(loose));
+  EXPECT_NE(g_NodeDomMap.GetDomByNode(pNode), nullptr);
+}
+
+TEST_F(Document, CleanupFreesTheDocumentAndForgetsItsIds) {
+  CDoc doc("<r><a/></r>");
+  TSXRefId id = doc.Id();
+  const TSXRefId root = doc.Root();
+  const TSXRefId bare = support::Parent(root);
+  unsigned char data[8];
+  std::memcpy(data, &id, sizeof id);
+  CleanupProcCXercesDOM(data);
+  for (const TSXRefId dead : {id, root, bare}) EXPECT_FALSE(support::Resolves(dead));
+  CleanupProcCXercesDOM(data);  // a second time, and closes afterwards, do nothing
+  TSXNodeClose(root);
+  TSXNodeClose(bare);
+  std::memset(data, 0, sizeof data);
+  CleanupProcCXercesDOM(data);
+  CDoc next("<n><m/></n>");
+  EXPECT_FALSE(support::Resolves(root)) << "recycled memory must not revive it";
+}
+
+TEST_F(Document, CloneOfADocumentGoesWithItsLastHandOut) {
+  CDoc doc("<r><a/></r>");
+  const uint8_t deep = 1;
+  const TSXRefId clone = IdOf(TSXCloneNode, doc.Id(), &deep);
+  const TSXRefId copy = support::FirstChild(clone);
+  EXPECT_EQ(support::Name(copy), "r");
+  EXPECT_EQ(IdOf(TSXGetOwnerDocument, copy, uint64_t{0}), 0u) << "no document object behind it";
+  EXPECT_EQ(support::Parent(copy), clone);
+  TSXNodeClose(clone);
+  EXPECT_TRUE(support::Resolves(copy));
+  TSXNodeClose(clone);
+  EXPECT_FALSE(support::Resolves(copy));
+}
+
+TEST_F(Document, ReporterKeepsExactLines) {
+  DOMTreeErrorReporter reporter;
+  const xercesc::SAXParseException exception(u"b\u00e9", u"", u"", static_cast<XMLFileLoc>(-1), 7);
+  reporter.warning(exception);
+  EXPECT_EQ(reporter.getEHMsg(), nullptr);
+  reporter.error(exception);
+  reporter.fatalError(exception);
+  reporter.resetErrors();
+  reporter.error(exception);
+  CText text;
+  EXPECT_EQ(domCopyHStr(reporter.getEHMsg(), &text), 0);
+  // Contract: a fatal error's line has no line break.
+  EXPECT_EQ(text.Str(),
+            "Line -1, Column 7,  Message: b\xc3\xa9\r\nLine -1, Column 7,  Message: b\xc3\xa9"
+            "Line -1, Column 7,  Message: b\xc3\xa9\r\n");
+  reporter.resetEHMsg();
+  EXPECT_EQ(reporter.getEHMsg(), nullptr);
+  reporter.resetEHMsg();
+}
+
+}  // namespace

@@ -1,0 +1,318 @@
+// From text and files to trees and back.
+#include <sys/stat.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+
+#include "support/support.h"
+
+namespace {
+
+using support::CDoc;
+using support::CText;
+using support::IdOf;
+using support::TextOf;
+
+// A host path to a file of the test's own.
+class CPath {
+ public:
+  explicit CPath(const std::string& name)
+      : m_Name(::testing::TempDir() + "tessel_" + std::to_string(getpid()) + "_" + name),
+        m_Path(StandinPathFromText(m_Name.c_str())) {}
+  ~CPath() {
+    StandinPathDispose(m_Path);
+    std::remove(m_Name.c_str());
+  }
+  HostPath Get() const { return m_Path; }
+  const std::string& Name() const { return m_Name; }
+  void Write(std::string_view bytes) const { std::ofstream(m_Name, std::ios::binary) << bytes; }
+  std::string Read() const {
+    std::ifstream in(m_Name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+
+ private:
+  std::string m_Name;
+  HostPath m_Path;
+};
+
+class Io : public support::CLedgerTest {
+ protected:
+  static TSXStatus LoadFile(TSXRefId document, HostPath path, std::string* pErrors = nullptr) {
+    CText errors, exception;
+    const TSXStatus status = TSXLoadFile(document, path, &errors, &exception);
+    if (pErrors != nullptr) *pErrors = errors.Str();
+    EXPECT_TRUE(exception.IsNull());
+    return status;
+  }
+};
+
+TEST_F(Io, LoadReplacesTheTreeAndWithdrawsItsIds) {
+  CDoc doc("<r a='1'><x/></r>");
+  const TSXRefId root = doc.Root();
+  const TSXRefId x = support::FirstChild(root);
+  const TSXRefId a = support::Attribute(root, "a");
+  const TSXRefId loose = support::Create(doc.Id(), "loose");
+  ASSERT_EQ(support::Load(doc.Id(), "<s><y/></s>"), 0);
+  for (const TSXRefId dead : {root, x, a, loose}) EXPECT_FALSE(support::Resolves(dead));
+  EXPECT_EQ(support::Name(support::FirstChild(doc.Id())), "s");
+  EXPECT_EQ(g_NodeDomMap.EntryCount(), 1u) << "only the document node is left";
+}
+
+// The source of an import is entered against the importing document: the entry must
+// go with the source's own tree.
+TEST_F(Io, EntriesOfImportedSourcesGoWithTheirTree) {
+  CDoc target("<t/>");
+  const uint8_t deep = 1;
+  {
+    CDoc source("<s/>");
+    IdOf(TSXImportNode, target.Id(), source.Root(), &deep);
+    EXPECT_EQ(g_NodeDomMap.EntryCount(), 3u);
+    EXPECT_EQ(support::Load(source.Id(), "<again/>"), 0);
+    EXPECT_EQ(g_NodeDomMap.EntryCount(), 2u);
+    IdOf(TSXImportNode, target.Id(), source.Root(), &deep);
+  }
+  EXPECT_EQ(g_NodeDomMap.EntryCount(), 1u);
+}
+
+TEST_F(Io, StringErrorsAreReportedOnceAndThenCleared) {
+  CDoc doc("<old/>");
+  std::string errors, exception;
+  EXPECT_EQ(support::Load(doc.Id(), "<r><a></r>", &errors, &exception), domErrParse);
+  EXPECT_EQ(errors, "Line 1, Column 9,  Message: expected end of tag 'a'");
+  EXPECT_EQ(exception, "");
+  EXPECT_EQ(support::Name(doc.Root()), "r") << "the part before the error is the document";
+  EXPECT_EQ(support::Load(doc.Id(), "", &errors), domErrParse);
+  EXPECT_EQ(doc.Root(), 0u);
+  CText text("<good/>"), parseErrors("stale"), untouched("untouched");
+  EXPECT_EQ(TSXLoadString(doc.Id(), &text, &parseErrors, &untouched), 0);
+  EXPECT_TRUE(parseErrors.IsNull());
+  EXPECT_EQ(untouched.Str(), "untouched");
+  using namespace std::string_literals;
+  EXPECT_EQ(support::Load(doc.Id(), "<cut/>\0<garbage"s), 0);
+}
+
+TEST_F(Io, FilesInThreeEncodingsComeBackAsTheyWere) {
+  const std::string latin1 = "<?xml version='1.0' encoding='ISO-8859-1'?><r>caf\xe9</r>";
+  std::string utf16 = "\xff\xfe";
+  for (const char c : std::string("<?xml version='1.0' encoding='UTF-16'?><r>caf\xe9</r>")) {
+    utf16 += {c, '\0'};
+  }
+  struct {
+    std::string bytes, encoding, written;
+  } const rows[] = {
+      {"<?xml version='1.0' encoding='UTF-8'?><r>caf\xc3\xa9</r>", "UTF-8", "caf\xc3\xa9</r>"},
+      {latin1, "ISO-8859-1", "caf\xe9</r>"},
+      {utf16, "UTF-16", std::string("c\0a\0f\0\xe9\0<\0/\0r\0>\0", 16)},
+      {"<r>caf\xc3\xa9</r>", "", "caf\xc3\xa9</r>"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.encoding);
+    CPath path("in.xml"), out("out.xml");
+    path.Write(row.bytes);
+    CDoc doc;
+    ASSERT_EQ(LoadFile(doc.Id(), path.Get()), 0);
+    EXPECT_EQ(TextOf(TSXGetEncoding, doc.Id(), uint64_t{0}), row.encoding);
+    EXPECT_EQ(TextOf(TSXGetNodeValue, support::FirstChild(doc.Root()), uint64_t{0}), "caf\xc3\xa9");
+    const std::string text = doc.Xml();
+    EXPECT_TRUE(text.ends_with(row.written)) << text;
+    CText errorText("untouched");
+    ASSERT_EQ(TSXSaveFile(doc.Id(), out.Get(), &errorText), 0);
+    EXPECT_EQ(errorText.Str(), "untouched");
+    EXPECT_EQ(out.Read(), text);
+  }
+}
+
+TEST_F(Io, FilesThatCannotBeReadLeaveTheOldTree) {
+  CDoc doc("<old/>");
+  for (const std::string& name :
+       {::testing::TempDir() + "no_such_file", std::string(::testing::TempDir())}) {
+    HostPath path = StandinPathFromText(name.c_str());
+    std::string errors;
+    EXPECT_EQ(LoadFile(doc.Id(), path, &errors), domErrParse);
+    EXPECT_TRUE(errors.starts_with("Line 0, Column 0,  Message: unable to ")) << errors;
+    EXPECT_EQ(support::Name(doc.Root()), "old");
+    StandinPathDispose(path);
+  }
+  HostPath empty = StandinPathFromText("");
+  CText errorText("untouched");
+  for (HostPath path : {empty, HostPath{}}) {
+    EXPECT_EQ(LoadFile(doc.Id(), path), domErrPathLoadFile);
+    EXPECT_EQ(TSXSaveFile(doc.Id(), path, &errorText), domErrPathSaveFile);
+    EXPECT_EQ(errorText.Str(), "untouched");
+  }
+  StandinPathDispose(empty);
+}
+
+TEST_F(Io, WritesNodesAlone) {
+  CDoc doc("<?xml version='1.0' encoding='ISO-8859-1'?><!--c--><r><a>\xe9</a><b/></r>");
+  const TSXRefId a = support::FirstChild(doc.Root());
+  EXPECT_EQ(TextOf(TSXGetXML, a), "<a>\xe9</a>") << "in the document's encoding";
+  EXPECT_EQ(TextOf(TSXGetXML, support::FirstChild(doc.Id())), "<!--c-->");
+  const TSXRefId bare = support::Parent(doc.Root());
+  EXPECT_EQ(TextOf(TSXGetXML, bare), doc.Xml());
+  TSXNodeClose(bare);
+  const std::string pretty = TextOf(TSXGetXMLPP, doc.Root());
+  EXPECT_EQ(pretty, "\n<r>\n\n  <a>\xe9</a>\n\n  <b/>\n\n</r>");
+}
+
+TEST_F(Io, EncodingNamesAreCheckedByTheirForm) {
+  CDoc doc("<r>\xc3\xa9</r>");
+  const auto set = [&](const char* pName) {
+    CText name(pName);
+    return TSXSetEncoding(doc.Id(), 0, &name);
+  };
+  EXPECT_EQ(set("ISO-8859-1"), 0);
+  for (const char* pBad : {"8bit", "", "UTF 8", "latin\xc3\xa9"}) {
+    EXPECT_EQ(set(pBad), domErrInvalidCharacter) << pBad;
+    EXPECT_EQ(TextOf(TSXGetEncoding, doc.Id(), uint64_t{0}), "ISO-8859-1");
+  }
+  EXPECT_TRUE(doc.Xml().ends_with("\xe9</r>"));
+  // A name that nobody knows fails only when a writer uses it.
+  ASSERT_EQ(set("x-nobody"), 0);
+  CText kept("kept");
+  EXPECT_EQ(TSXGetXML(doc.Id(), &kept), domErrInvalidCharacter);
+  EXPECT_EQ(kept.Str(), "kept");
+  CPath path("encoding.xml");
+  CText errorText;
+  EXPECT_EQ(TSXSaveFile(doc.Id(), path.Get(), &errorText), domErrSaveFile);
+  EXPECT_EQ(errorText.Str(), "Failed to write file");
+}
+
+TEST_F(Io, EveryFailedSaveLeavesTheSameText) {
+  CDoc doc("<r/>");
+  HostPath nowhere = StandinPathFromText("/no/such/folder/file.xml");
+  CText errorText;
+  EXPECT_EQ(TSXSaveFilePP(doc.Id(), nowhere, &errorText), domErrSaveFile);
+  EXPECT_EQ(errorText.Str(), "Failed to write file");
+  StandinPathDispose(nowhere);
+  // The writer warns of "]]>" inside a CDATA section, and the reporter stops it.
+  CText data("a]]>b");
+  const TSXRefId section = IdOf(TSXCreateCDATASection, doc.Id(), &data);
+  ASSERT_EQ(TSXAppendChild(doc.Root(), section), 0);
+  CPath path("cdata.xml");
+  CText second;
+  EXPECT_EQ(TSXSaveFile(doc.Id(), path.Get(), &second), domErrSaveFile);
+  EXPECT_EQ(second.Str(), "Failed to write file");
+  // A full disk shows only when the target flushes.
+  if (std::filesystem::exists("/dev/full")) {
+    CDoc plain("<r>text</r>");
+    HostPath full = StandinPathFromText("/dev/full");
+    CText third;
+    EXPECT_EQ(TSXSaveFile(plain.Id(), full, &third), domErrSaveFile);
+    EXPECT_EQ(third.Str(), "Failed to write file");
+    StandinPathDispose(full);
+  }
+  StandinDisposePointers();
+}
+
+TEST_F(Io, RefusedNativePathsAreHostCodeTwo) {
+  CDoc doc("<old/>");
+  CPath path("native.xml");
+  path.Write("<new/>");
+  CText errors, exception;
+  StandinFailAllocation(1);
+  EXPECT_EQ(TSXLoadFile(doc.Id(), path.Get(), &errors, &exception), 2);
+  StandinFailAllocation(1);
+  EXPECT_EQ(TSXSaveFile(doc.Id(), path.Get(), &errors), 2);
+  StandinFailAllocation(0);
+  EXPECT_EQ(path.Read(), "<new/>");
+  EXPECT_EQ(support::Name(doc.Root()), "old");
+  EXPECT_EQ(LoadFile(doc.Id(), path.Get()), 0) << "the lock was released";
+}
+
+TEST_F(Io, WideAndDeepTrees) {
+  std::string wide = "<r>", deep;
+  for (int i = 0; i < 100000; ++i) wide += "<a/>";
+  CDoc doc(wide + "</r>");
+  int count = 0;
+  for (TSXRefId id = support::FirstChild(doc.Root()); id != 0; ++count) {
+    const TSXRefId next = support::NextSibling(id);
+    TSXNodeClose(id);
+    id = next;
+  }
+  EXPECT_EQ(count, 100000);
+  constexpr int kDepth = 10000;
+  for (int i = 0; i < kDepth; ++i) deep += "<d>";
+  for (int i = 0; i < kDepth; ++i) deep += "</d>";
+  ASSERT_EQ(support::Load(doc.Id(), deep), 0);
+  TSXRefId id = doc.Root();
+  int depth = 0;
+  for (; id != 0; ++depth) id = support::FirstChild(id);
+  EXPECT_EQ(depth, kDepth);
+  EXPECT_EQ(doc.Xml().size(), doc.Xml().find("<d>") + 7u * kDepth - 3u) << "the innermost is empty";
+}
+
+// -- Element replacement ------------------------------------------------------
+
+TEST_F(Io, ElementKeepsItsIdWhenItsXmlIsSet) {
+  CDoc doc("<r><a k='v'><c/></a><z/></r>");
+  const TSXRefId a = support::FirstChild(doc.Root());
+  const TSXRefId k = support::Attribute(a, "k");
+  const TSXRefId c = support::FirstChild(a);
+  const auto set = [&](TSXRefId id, const char* pXml, std::string* pErrors = nullptr) {
+    CText xml(pXml), errors, exception;
+    const TSXStatus status = TSXElementSetXML(id, &xml, &errors, &exception);
+    if (pErrors != nullptr) *pErrors = errors.Str();
+    return status;
+  };
+  EXPECT_EQ(set(a, "<!DOCTYPE b><!--x--><b x='1'><d/></b><!--y-->"), 0);
+  EXPECT_EQ(support::Name(a), "b");
+  EXPECT_EQ(TextOf(TSXGetXML, doc.Root()), "<r><b x=\"1\"><d/></b><z/></r>");
+  EXPECT_FALSE(support::Resolves(k));
+  EXPECT_FALSE(support::Resolves(c));
+  std::string errors;
+  EXPECT_EQ(set(a, "<e><f></e>", &errors), domErrParse);
+  EXPECT_EQ(errors, "Line 1, Column 9,  Message: expected end of tag 'f'");
+  EXPECT_EQ(support::Name(a), "e") << "what was read replaces the element";
+  EXPECT_EQ(set(a, "", &errors), domErrParse);
+  EXPECT_EQ(set(a, "no xml"), domErrParse);
+  EXPECT_EQ(support::Name(a), "e") << "no root, no replacement";
+  const TSXRefId root = doc.Root();
+  EXPECT_EQ(set(root, "<top/>"), 0);
+  EXPECT_EQ(support::Name(root), "top");
+  EXPECT_EQ(doc.Root(), root);
+  const TSXRefId loose = support::Create(doc.Id(), "loose");
+  EXPECT_EQ(set(loose, "<x/>"), domErrRefDocument);
+  EXPECT_EQ(support::Name(loose), "loose");
+  const uint8_t deep = 1;
+  const TSXRefId clone = IdOf(TSXCloneNode, doc.Id(), &deep);
+  EXPECT_EQ(set(support::FirstChild(clone), "<x/>"), domErrRefDocument);
+  TSXNodeClose(clone);
+}
+
+TEST_F(Io, ReadOnlyPlacesRefuseReplacementWithTheDomsText) {
+  CDoc doc("<!DOCTYPE r [<!ENTITY e '<in/>'>]><r>&e;</r>");
+  const TSXRefId reference = support::FirstChild(doc.Root());
+  const TSXRefId in = support::FirstChild(reference);
+  ASSERT_EQ(support::Name(in), "in");
+  CText xml("<x/>"), errors("left alone"), exception;
+  EXPECT_EQ(TSXElementSetXML(in, &xml, &errors, &exception), domErrParse);
+  EXPECT_EQ(errors.Str(), "left alone");
+  EXPECT_FALSE(exception.IsNull());
+  EXPECT_EQ(support::Name(in), "in");
+}
+
+TEST_F(Io, TenThousandLoadsAndReplacementsKeepMemoryFlat) {
+  const auto resident = [] {
+    std::ifstream statm("/proc/self/statm");
+    long size = 0, pages = 0;
+    statm >> size >> pages;
+    return pages * 4;
+  };
+  const auto cycle = [](TSXRefId document, TSXRefId element) {
+    CText xml("<e a='1'><b>text</b></e>"), errors, exception;
+    EXPECT_EQ(TSXElementSetXML(element, &xml, &errors, &exception), 0);
+    EXPECT_EQ(support::Load(document, "<r><e/></r>"), 0);
+  };
+  CDoc kept("<r><e/></r>"), loaded;
+  const TSXRefId element = support::FirstChild(kept.Root());
+  for (int i = 0; i < 2000; ++i) cycle(loaded.Id(), element);
+  const long before = resident();
+  for (int i = 0; i < 8000; ++i) cycle(loaded.Id(), element);
+  // The sanitizers' own bookkeeping grows; a leak of one tree a turn would be more.
+  EXPECT_LT(resident() - before, 20000) << "kilobytes";
+}
+
+}  // namespace
