@@ -72,6 +72,7 @@ int32_t Unknown(const void* pHandle) {
 }
 
 int32_t Resize(SBlock& block, size_t size) {
+  if (size == block.size && !Moving()) return 0;
   if (size > block.size && (RefuseAllocation() || IsTooLarge(size))) return kRefused;
   unsigned char* pBytes = ResizedBytes(block, size);
   if (pBytes == nullptr) return kRefused;

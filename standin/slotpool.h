@@ -2,8 +2,9 @@
 //
 // A value is the address of its slot. Slots are recycled but never go back to the
 // heap, so any value at all can be tested for life without reading memory that
-// may be gone: it must be the start of a slot, and the slot must be live. Free
-// slots queue up, oldest first, so that a stale value is caught for a long time.
+// may be gone: it must be the start of a slot, and the slot must be live. A slot
+// that was put back rests until kRest more were put back behind it, so that a
+// stale value is recognised for a while.
 // Chunks double in size; a look-up compares with each of the few there are and
 // takes no lock. Taking and putting back lock the calling thread's lane.
 #pragma once
@@ -69,25 +70,40 @@ class CSlotPool {
   static_assert(std::is_standard_layout_v<SSlot>, "a value's address must be its slot's");
   static_assert(std::is_trivially_destructible_v<SSlot>);
 
+  // A queue of free slots, each put back no earlier than the one before it.
   struct alignas(kCacheLine) SLane {
     void Push(SSlot* pSlot) {
       const std::lock_guard lock(mutex);
       pSlot->pNext = nullptr;
-      (pFirst != nullptr ? pLast->pNext : pFirst) = pSlot;
+      (count != 0 ? pLast->pNext : pFirst) = pSlot;
       pLast = pSlot;
+      ++count;
+    }
+    // Slots that were never used need no rest.
+    void PushFresh(SSlot* pSlots, size_t more) {
+      const std::lock_guard lock(mutex);
+      for (size_t i = 0; i + 1 < more; ++i) pSlots[i].pNext = &pSlots[i + 1];
+      pSlots[more - 1].pNext = pFirst;
+      if (count == 0) pLast = &pSlots[more - 1];
+      pFirst = pSlots;
+      count += more;
     }
     SSlot* Pop() {
       const std::lock_guard lock(mutex);
+      if (count <= kRest) return nullptr;
       SSlot* pSlot = pFirst;
-      if (pSlot != nullptr) pFirst = pSlot->pNext;
+      pFirst = pSlot->pNext;
+      --count;
       return pSlot;
     }
 
     std::mutex mutex;
     SSlot* pFirst = nullptr;
     SSlot* pLast = nullptr;
+    size_t count = 0;
   };
 
+  static constexpr size_t kRest = 128;
   static constexpr size_t kChunks = 32;
   static constexpr size_t SlotsIn(size_t chunk) { return size_t{256} << chunk; }
 
@@ -120,7 +136,7 @@ class CSlotPool {
     SSlot* pSlots = new (std::nothrow) SSlot[count]();
     if (pSlots == nullptr) return nullptr;
     m_pChunks[m_ChunkCount++].store(pSlots, std::memory_order_release);
-    for (size_t i = 1; i < count; ++i) m_Lanes[ThreadLane()].Push(&pSlots[i]);
+    m_Lanes[ThreadLane()].PushFresh(&pSlots[1], count - 1);
     return &pSlots[0];
   }
 

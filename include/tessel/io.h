@@ -31,7 +31,8 @@ extern "C" {
 /* Reads a file into a document and replaces its tree; the document id and the
  * parser's options stay. The new tree is what the parser produced, also when it
  * counted errors: all of it after validation errors, the part before a fatal
- * error. A file that cannot be opened is an error line, and the old tree stays.
+ * error, which a text that expands more than 50,000 entities gets too. A file that
+ * cannot be opened is an error line, and the old tree stays.
  *
  * The ids of the old tree's nodes are withdrawn, the id of the bare document
  * node stays and names nothing; both answer with each function's reference code.

@@ -15,5 +15,7 @@
 #include <tessel/status.h>
 #include <tessel/strings.h>
 #include <tessel/values.h>
+#include <tessel/version.h>
+#include <tessel/xpath.h>
 
 #endif

@@ -29,6 +29,7 @@ CXercesDOM::CXercesDOM() {
   auto reporter = std::make_unique<DOMTreeErrorReporter>();
   auto parser = std::make_unique<xercesc::XercesDOMParser>();
   parser->setErrorHandler(reporter.get());
+  parser->setSecurityManager(&m_SecurityManager);
   m_pDoc = NewEmptyDocument();
   m_pParser = parser.release();
   m_pErrorReporter = reporter.release();

@@ -4,6 +4,7 @@
 #include <memory>
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/parsers/XercesDOMParser.hpp>
+#include <xercesc/util/SecurityManager.hpp>
 
 #include "document/errorreporter.h"
 
@@ -66,4 +67,9 @@ class CXercesDOM : public xercesc::DOMNode {
   xercesc::DOMDocument* m_pDoc = nullptr;
   xercesc::XercesDOMParser* m_pParser = nullptr;
   DOMTreeErrorReporter* m_pErrorReporter = nullptr;
+
+ private:
+  // Ends a parse that expands more than 50,000 entities, the XML library's own limit,
+  // in a fatal error: a kilobyte of text must not grow to gigabytes.
+  xercesc::SecurityManager m_SecurityManager;
 };

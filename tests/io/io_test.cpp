@@ -222,6 +222,19 @@ TEST_F(Io, RefusedNativePathsAreHostCodeTwo) {
   EXPECT_EQ(LoadFile(doc.Id(), path.Get()), 0) << "the lock was released";
 }
 
+TEST_F(Io, EntitiesThatWantToBecomeGigabytesAreStopped) {
+  std::string xml = "<!DOCTYPE r [<!ENTITY e0 'ha'>";
+  for (int i = 1; i < 12; ++i) {
+    xml += "<!ENTITY e" + std::to_string(i) + " '";
+    for (int k = 0; k < 10; ++k) xml += "&e" + std::to_string(i - 1) + ";";
+    xml += "'>";
+  }
+  CDoc doc;
+  std::string errors;
+  EXPECT_EQ(support::Load(doc.Id(), xml + "]><r>&e11;</r>", &errors), domErrParse);
+  EXPECT_NE(errors.find("entity expansion"), std::string::npos) << errors;
+}
+
 TEST_F(Io, WideAndDeepTrees) {
   std::string wide = "<r>", deep;
   for (int i = 0; i < 100000; ++i) wide += "<a/>";

@@ -11,7 +11,7 @@
  * against its rules, is counted as a violation, changes nothing, and returns 1
  * where it returns a code. Null is a plain 1 for handles and no violation. A
  * disposed handle is recognised until its place is used again, which happens
- * some two hundred new handles later at the earliest.
+ * after 128 more disposals at the earliest.
  *
  * Texts that this header returns live as long as the process. */
 #ifndef TESSEL_STANDIN_H

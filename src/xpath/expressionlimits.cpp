@@ -1,0 +1,2 @@
+#include "xpath/expressionlimits.h"
+void CheckExpression(const XMLCh*) {}

@@ -1,0 +1,54 @@
+// From DOM nodes to the nodes that stand for them.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+#include <xalanc/XalanDOM/XalanNode.hpp>
+#include <xercesc/dom/DOMNode.hpp>
+
+// A hash table with open addressing; entries are never removed. At most half of
+// the slots are taken, so probing ends.
+class CNodeTable {
+ public:
+  CNodeTable() : m_slots(kFirstSize) {}
+
+  // The node's entry, null when it is new; valid until the next call.
+  xalanc::XalanNode*& operator[](const xercesc::DOMNode* pKey) {
+    if (m_used * 2 >= m_slots.size()) Grow();
+    CSlot& slot = Probe(pKey);
+    if (slot.m_pKey == nullptr) {
+      slot.m_pKey = pKey;
+      ++m_used;
+    }
+    return slot.m_pNode;
+  }
+
+ private:
+  static constexpr std::size_t kFirstSize = 64;  // a power of two, as every size
+
+  struct CSlot {
+    const xercesc::DOMNode* m_pKey = nullptr;
+    xalanc::XalanNode* m_pNode = nullptr;
+  };
+
+  CSlot& Probe(const xercesc::DOMNode* pKey) {
+    const std::uint64_t mixed = reinterpret_cast<std::uintptr_t>(pKey) * 0x9E3779B97F4A7C15U;
+    std::size_t at = (mixed >> 32) & (m_slots.size() - 1);
+    while (m_slots[at].m_pKey != nullptr && m_slots[at].m_pKey != pKey) {
+      at = (at + 1) & (m_slots.size() - 1);
+    }
+    return m_slots[at];
+  }
+
+  void Grow() {
+    std::vector<CSlot> old(m_slots.size() * 4);
+    old.swap(m_slots);
+    for (const CSlot& slot : old) {
+      if (slot.m_pKey != nullptr) Probe(slot.m_pKey) = slot;
+    }
+  }
+
+  std::vector<CSlot> m_slots;
+  std::size_t m_used = 0;
+};

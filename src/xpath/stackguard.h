@@ -1,0 +1,24 @@
+// A check against running out of stack.
+#pragma once
+
+#include <cstdint>
+
+// What a recursion may still use of the calling thread's stack. Xalan-C collects
+// the text of an element by recursion, so the depth of a tree is bounded by the
+// stack of the thread that evaluates.
+class CStackGuard {
+ public:
+  CStackGuard();
+  // Throws an XSLException when too little is left to go deeper.
+  void Check() const {
+    if (Here() < m_floor) Fail();
+  }
+
+ private:
+  static std::uintptr_t Here() {
+    return reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
+  }
+  [[noreturn]] static void Fail();
+
+  std::uintptr_t m_floor;
+};

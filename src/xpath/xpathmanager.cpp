@@ -1,0 +1,72 @@
+#include "xpath/xpathmanager.h"
+
+#include <tessel/status.h>
+
+#include <algorithm>
+#include <limits>
+#include <xalanc/XPath/XObject.hpp>
+#include <xalanc/XPath/XPath.hpp>
+#include <xalanc/XPath/XPathProcessorImpl.hpp>
+
+#include "xpath/expressionlimits.h"
+#include "xpath/xalanlibrary.h"
+
+namespace {
+
+// The first step of an evaluation.
+xercesc::DOMNode& Begin(xercesc::DOMNode* pContext) {
+  if (pContext == nullptr) throw KelXPathException(domErrXPathContext);
+  CXalanLibrary::Use();
+  return *pContext;
+}
+
+// An expression made ready; its strings are those of the construction context.
+class CCompiled {
+ public:
+  CCompiled(const XMLCh* pExpression, const xalanc::PrefixResolver& scope)
+      : m_xpath(*xercesc::XMLPlatformUtils::fgMemoryManager) {
+    xalanc::XPathProcessorImpl processor;
+    processor.initXPath(m_xpath, m_construction, xalanc::XalanDOMString(pExpression), scope);
+  }
+  const xalanc::XPath& Get() const { return m_xpath; }
+
+ private:
+  CSilentConstruction m_construction;
+  xalanc::XPath m_xpath;
+};
+
+// The first nodes of a list, without those that stand for none.
+std::vector<xercesc::DOMNode*> Unwrap(const xalanc::NodeRefListBase& nodes, std::size_t most) {
+  std::vector<xercesc::DOMNode*> result;
+  const xalanc::NodeRefListBase::size_type count = nodes.getLength();
+  result.reserve(std::min<std::size_t>(count, most));
+  for (xalanc::NodeRefListBase::size_type i = 0; i < count && result.size() < most; ++i) {
+    xercesc::DOMNode* pNode = CXPathTree::Unwrap(*nodes.item(i));
+    if (pNode != nullptr) result.push_back(pNode);
+  }
+  return result;
+}
+
+}  // namespace
+
+XPathManager::XPathManager(xercesc::DOMNode* pContext)
+    : m_tree(Begin(pContext)),
+      m_order(m_tree),
+      m_scope(*pContext),
+      m_execution(m_environment, m_order, m_factory, &m_tree.Context(), nullptr, &m_scope) {}
+
+std::vector<xercesc::DOMNode*> XPathManager::Evaluate(const XMLCh* pExpression) {
+  return Select(pExpression, std::numeric_limits<std::size_t>::max());
+}
+
+std::vector<xercesc::DOMNode*> XPathManager::EvaluateFirst(const XMLCh* pExpression) {
+  return Select(pExpression, 1);
+}
+
+std::vector<xercesc::DOMNode*> XPathManager::Select(const XMLCh* pExpression, std::size_t most) {
+  CheckExpression(pExpression);
+  const CCompiled compiled(pExpression, m_scope);
+  const xalanc::XObjectPtr result =
+      compiled.Get().execute(&m_tree.Context(), m_scope, m_execution);
+  return Unwrap(result->nodeset(), most);
+}

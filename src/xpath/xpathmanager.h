@@ -1,0 +1,74 @@
+// Evaluates one XPath expression.
+#pragma once
+
+#include <tessel/export.h>
+
+#include <string>
+#include <vector>
+#include <xalanc/DOMSupport/DOMSupport.hpp>
+#include <xalanc/XPath/XObjectFactoryDefault.hpp>
+#include <xalanc/XPath/XPathExecutionContextDefault.hpp>
+#include <xercesc/dom/DOMNode.hpp>
+
+#include "xpath/namespacescope.h"
+#include "xpath/silentcontexts.h"
+#include "xpath/xpathtree.h"
+
+// A failure of our own: a status code, and the text for the host.
+class KelXPathException {
+ public:
+  explicit KelXPathException(TSXStatus status, std::u16string message = {})
+      : m_status(status), m_message(std::move(message)) {}
+
+  TSXStatus GetStatus() const { return m_status; }
+  const std::u16string& GetMessage() const { return m_message; }
+
+ private:
+  TSXStatus m_status;
+  std::u16string m_message;
+};
+
+// Document order as the tree has it.
+class CXPathOrder final : public xalanc::DOMSupport {
+ public:
+  explicit CXPathOrder(CXPathTree& tree) : m_tree(tree) {}
+
+  void reset() override {}
+  const xalanc::XalanDOMString& getUnparsedEntityURI(
+      const xalanc::XalanDOMString&, const xalanc::XalanDocument&) const override {
+    return m_none;
+  }
+  bool isNodeAfter(const xalanc::XalanNode& node, const xalanc::XalanNode& other) const override {
+    return m_tree.IsAfter(node, other);
+  }
+
+ private:
+  CXPathTree& m_tree;
+  const xalanc::XalanDOMString m_none;
+};
+
+// One evaluation; make it on the stack and let it go before the tree changes. One
+// thread, and nobody else may work on the document meanwhile. Throws what RunXPath
+// of xpathguard.h maps.
+class XPathManager {
+ public:
+  // Borrows the context, a node of any kind. Null is domErrXPathContext.
+  explicit XPathManager(xercesc::DOMNode* pContext);
+  XPathManager(const XPathManager&) = delete;
+  XPathManager& operator=(const XPathManager&) = delete;
+
+  // The selected nodes in document order, each once.
+  std::vector<xercesc::DOMNode*> Evaluate(const XMLCh* pExpression);
+  // As Evaluate, cut after the first node.
+  std::vector<xercesc::DOMNode*> EvaluateFirst(const XMLCh* pExpression);
+
+ private:
+  std::vector<xercesc::DOMNode*> Select(const XMLCh* pExpression, std::size_t most);
+
+  CXPathTree m_tree;
+  CXPathOrder m_order;
+  CNamespaceScope m_scope;
+  CSilentEnvironment m_environment;
+  xalanc::XObjectFactoryDefault m_factory;
+  xalanc::XPathExecutionContextDefault m_execution;
+};

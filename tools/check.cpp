@@ -1,0 +1,107 @@
+#include <unistd.h>
+
+#include <memory>
+#include <vector>
+
+#include "client.h"
+#include "document.h"
+#include "message.h"
+#include "output.h"
+
+namespace {
+
+struct CCheckOptions {
+  std::vector<std::string> m_Files;
+  bool m_DTD = false;
+  bool m_Schema = false;
+  bool m_Full = false;
+  bool m_NoExternalDTD = false;
+};
+
+CReadOptions ReadOptions(const CCheckOptions& options, const CClient& client) {
+  // The parser's own numbers: no validation, always.
+  constexpr int32_t kNever = 0;
+  constexpr int32_t kAlways = 1;
+  CReadOptions read;
+  const bool schema = options.m_Schema || options.m_Full;
+  // A DTD declares names as they are written, prefix and all.
+  read.m_Namespaces = options.m_DTD && !schema ? 0 : 1;
+  read.m_Validation = options.m_DTD || schema ? kAlways : kNever;
+  read.m_Schema = schema ? 1 : 0;
+  read.m_FullChecking = options.m_Full ? 1 : 0;
+  read.m_ExternalDTD = options.m_NoExternalDTD || client.m_NoExternal ? 0 : 1;
+  return read;
+}
+
+// How far a long run is, on a terminal only, and out of the way of messages.
+class CProgress {
+ public:
+  explicit CProgress(size_t count)
+      : m_Count(count), m_Shown(count >= kMany && isatty(STDERR_FILENO) == 1) {}
+  CProgress(const CProgress&) = delete;
+  CProgress& operator=(const CProgress&) = delete;
+  ~CProgress() { Clear(); }
+
+  void Step() {
+    ++m_Done;
+    if (!m_Shown) return;
+    PrintError("\rchecking " + std::to_string(m_Done) + " of " + std::to_string(m_Count));
+  }
+  void Clear() {
+    if (m_Shown) PrintError("\r\x1b[K");
+  }
+
+ private:
+  static constexpr size_t kMany = 10;
+
+  size_t m_Count;
+  bool m_Shown;
+  size_t m_Done = 0;
+};
+
+int RunCheck(const CCheckOptions& options, const CClient& client) {
+  const std::vector<CInput> inputs = PrepareInputs(options.m_Files, client);
+  const CReadOptions read = ReadOptions(options, client);
+  CProgress progress(inputs.size());
+  int result = kDone;
+  for (const CInput& input : inputs) {
+    progress.Step();
+    const std::string lines = Load(NewDocument(), input, read);
+    if (lines.empty()) continue;
+    progress.Clear();
+    PrintError(lines);
+    result = kFailed;
+  }
+  return result;
+}
+
+}  // namespace
+
+void AddCheck(CLI::App& app, CClient& client) {
+  auto options = std::make_shared<CCheckOptions>();
+  CLI::App* pCheck =
+      app.add_subcommand("check", "Tell whether documents are well-formed, or valid");
+  pCheck->add_option("FILE", options->m_Files, "XML files; - is standard input")->required();
+  CLI::Option* pDTD =
+      pCheck->add_flag("--dtd", options->m_DTD, "They must be valid by the DTD that they name");
+  CLI::Option* pSchema = pCheck->add_flag("--schema", options->m_Schema,
+                                          "They must be valid by the schemas that they name");
+  CLI::Option* pFull =
+      pCheck->add_flag("--full", options->m_Full,
+                       "As --schema, and the schemas are checked by the costly rules too");
+  pCheck
+      ->add_flag("--no-external-dtd", options->m_NoExternalDTD,
+                 "Do not read external DTDs; only without validation, which always reads them")
+      ->excludes(pDTD)
+      ->excludes(pSchema)
+      ->excludes(pFull);
+  pCheck->footer(
+      "Faults are printed as FILE:LINE:COLUMN: message on standard error; a fault in a DTD\n"
+      "or a schema has the line and column of that file. Exit status 0: no fault; 1: faults.\n\n"
+      "Examples:\n"
+      "  tessel check *.xml\n"
+      "  tessel check --dtd catalogue.xml\n"
+      "  tessel check --schema --no-external order.xml");
+  pCheck->callback(
+      [options, &client] { client.m_Run = [=, &client] { return RunCheck(*options, client); }; });
+}

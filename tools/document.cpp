@@ -1,0 +1,84 @@
+#include "document.h"
+
+#include "message.h"
+
+namespace {
+
+void SetOptions(const CDocument& document, const CReadOptions& options) {
+  const TSXRefId id = document.Get();
+  Require(TSXSetDoNamespaces(id, 0, &options.m_Namespaces), "namespaces");
+  Require(TSXSetValidateOnLoad(id, 0, &options.m_Validation), "validation");
+  Require(TSXSetDoSchema(id, 0, &options.m_Schema), "schemas");
+  Require(TSXSetValidationSchemaFullChecking(id, 0, &options.m_FullChecking), "full checking");
+  Require(TSXSetLoadExternalDTD(id, 0, &options.m_ExternalDTD), "external DTD");
+}
+
+TSXStatus LoadInput(const CDocument& document, const CInput& input, CText& parseErrors,
+                    CText& exceptionText) {
+  if (input.Path().empty()) {
+    CText text(input.Text());
+    return TSXLoadString(document.Get(), text.Get(), parseErrors.Get(), exceptionText.Get());
+  }
+  const CPath path(input.Path().c_str());
+  return TSXLoadFile(document.Get(), path.Get(), parseErrors.Get(), exceptionText.Get());
+}
+
+std::string EncodingOf(const CDocument& document) {
+  CText encoding;
+  Require(TSXGetEncoding(document.Get(), 0, encoding.Get()), "encoding");
+  return encoding.IsNull() ? "its encoding" : std::string(encoding.View());
+}
+
+// The writer leaves out the mark that a file in UTF-16 must begin with.
+std::string ByteOrderMark(const std::string& encoding, std::string_view xml) {
+  if (encoding != "UTF-16" && encoding != "utf-16") return {};
+  constexpr std::string_view kLittle("<\0", 2);
+  constexpr std::string_view kBig("\0<", 2);
+  if (xml.starts_with(kLittle)) return "\xff\xfe";
+  return xml.starts_with(kBig) ? "\xfe\xff" : "";
+}
+
+}  // namespace
+
+CDocument NewDocument() {
+  CDocument document;
+  Require(TSXDocumentOpen(0, document.Out()), "new document");
+  return document;
+}
+
+std::string Load(const CDocument& document, const CInput& input, const CReadOptions& options) {
+  if (!input.Problem().empty()) return Line(input.Name(), input.Problem());
+  SetOptions(document, options);
+  CText parseErrors;
+  CText exceptionText;
+  const TSXStatus status = LoadInput(document, input, parseErrors, exceptionText);
+  if (status == 0) return {};
+  std::string lines = ParserLines(input.Name(), parseErrors.View());
+  if (!exceptionText.IsNull()) lines += StatusLine(input.Name(), status, exceptionText.View());
+  return lines.empty() ? StatusLine(input.Name(), status, "could not be read") : lines;
+}
+
+CDocument ReadDocument(const std::string& file, const CClient& client, CReadOptions options) {
+  const CInput input = PrepareInput(file, client);
+  if (client.m_NoExternal) options.m_ExternalDTD = 0;
+  CDocument document = NewDocument();
+  const std::string lines = Load(document, input, options);
+  if (!lines.empty()) throw CFailure(lines);
+  return document;
+}
+
+std::string WriteDocument(const CDocument& document, const std::string& file, bool pretty) {
+  CText xml;
+  const TSXStatus status = TSIGetXMLCommon(document.Get(), xml.Get(), pretty);
+  const std::string encoding = EncodingOf(document);
+  if (status == domErrInvalidCharacter) {
+    throw CFailure(StatusLine(file, status, "it cannot be written in " + encoding));
+  }
+  Require(status, file);
+  return ByteOrderMark(encoding, xml.View()) + std::string(xml.View());
+}
+
+void SetEncoding(const CDocument& document, const std::string& encoding) {
+  CText name(encoding);
+  Require(TSXSetEncoding(document.Get(), 0, name.Get()), encoding);
+}

@@ -1,0 +1,32 @@
+// Reading a document with a command's options, and writing it.
+#ifndef TESSEL_TOOLS_DOCUMENT_H
+#define TESSEL_TOOLS_DOCUMENT_H
+
+#include <string>
+
+#include "input.h"
+#include "owners.h"
+
+struct CReadOptions {
+  uint8_t m_Namespaces = 0;
+  int32_t m_Validation = 0;  // as TSXSetValidateOnLoad takes it
+  uint8_t m_Schema = 0;
+  uint8_t m_FullChecking = 0;
+  uint8_t m_ExternalDTD = 1;
+};
+
+// A document with nothing in it yet.
+CDocument NewDocument();
+
+// Loads an input and gives the lines to print about it; none when all is well.
+std::string Load(const CDocument& document, const CInput& input, const CReadOptions& options);
+
+// The document of a file that a command cannot do without.
+CDocument ReadDocument(const std::string& file, const CClient& client, CReadOptions options = {});
+
+// The document as XML text, in its own encoding, as a file would hold it.
+std::string WriteDocument(const CDocument& document, const std::string& file, bool pretty = false);
+
+void SetEncoding(const CDocument& document, const std::string& encoding);
+
+#endif

@@ -1,0 +1,114 @@
+#include "input.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <limits>
+#include <utility>
+
+#include "message.h"
+#include "sandbox.h"
+
+CDescriptor::CDescriptor(CDescriptor&& other) noexcept
+    : m_Descriptor(std::exchange(other.m_Descriptor, -1)) {}
+
+CDescriptor& CDescriptor::operator=(CDescriptor&& other) noexcept {
+  std::swap(m_Descriptor, other.m_Descriptor);
+  return *this;
+}
+
+CDescriptor::~CDescriptor() { Close(); }
+
+bool CDescriptor::Close() {
+  const int descriptor = std::exchange(m_Descriptor, -1);
+  return descriptor < 0 || close(descriptor) == 0;
+}
+
+bool WriteAll(int descriptor, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = write(descriptor, bytes.data(), bytes.size());
+    if (written < 0 && errno != EINTR) return false;
+    if (written > 0) bytes.remove_prefix(static_cast<size_t>(written));
+  }
+  return true;
+}
+
+namespace {
+
+// The parser takes a name with a colon for a URL; a command line names files.
+std::string FilePath(const std::string& file) {
+  return file.find(':') != file.npos && !file.starts_with('/') ? "./" + file : file;
+}
+
+bool ReadAll(int descriptor, std::string& text) {
+  std::array<char, 65536> buffer;
+  for (;;) {
+    const ssize_t got = read(descriptor, buffer.data(), buffer.size());
+    if (got == 0) return true;
+    if (got < 0 && errno != EINTR) return false;
+    if (got > 0) text.append(buffer.data(), static_cast<size_t>(got));
+  }
+}
+
+// The interface loads text from a host string up to its first NUL byte, so what
+// holds one, as UTF-16 does, has to come from a file.
+bool NeedsFile(const std::string& text) {
+  return text.find('\0') != text.npos ||
+         text.size() >= static_cast<size_t>(std::numeric_limits<int32_t>::max());
+}
+
+}  // namespace
+
+CInput::CInput(std::string file) : m_Name(std::move(file)) {
+  if (m_Name == "-") {
+    ReadStandardInput();
+  } else {
+    m_Path = FilePath(m_Name);
+    Probe();
+  }
+}
+
+// Only looks: opening a pipe here would take it away from the parser.
+void CInput::Probe() {
+  struct stat status {};
+  if (stat(m_Path.c_str(), &status) != 0 || access(m_Path.c_str(), R_OK) != 0) {
+    m_Problem = std::strerror(errno);
+  } else if (S_ISDIR(status.st_mode)) {
+    m_Problem = std::strerror(EISDIR);
+  }
+}
+
+void CInput::ReadStandardInput() {
+  if (!ReadAll(STDIN_FILENO, m_Text)) {
+    m_Problem = std::strerror(errno);
+    return;
+  }
+  if (!NeedsFile(m_Text)) return;
+  m_Spool = CDescriptor(memfd_create("stdin", MFD_CLOEXEC));
+  if (!m_Spool.IsOpen() || !WriteAll(m_Spool.Get(), m_Text)) {
+    m_Problem = std::strerror(errno);
+    return;
+  }
+  m_Path = "/proc/self/fd/" + std::to_string(m_Spool.Get());
+  m_Text.clear();
+}
+
+std::vector<CInput> PrepareInputs(const std::vector<std::string>& files, const CClient& client) {
+  std::vector<CInput> inputs;
+  std::vector<std::string> paths;
+  for (const std::string& file : files) {
+    inputs.emplace_back(file);
+    if (inputs.back().Problem().empty()) paths.push_back(inputs.back().Path());
+  }
+  if (client.m_NoExternal) AllowReadingOnly(paths);
+  return inputs;
+}
+
+CInput PrepareInput(const std::string& file, const CClient& client) {
+  return std::move(PrepareInputs({file}, client).front());
+}

@@ -1,0 +1,54 @@
+#include "nodes.h"
+
+#include <tessel/xpath.h>
+
+#include <array>
+
+#include "message.h"
+
+EKind KindOf(TSXRefId node) {
+  int32_t kind = 0;
+  Require(TSXGetNodeType(node, 0, &kind), "node");
+  return static_cast<EKind>(kind);
+}
+
+const char* KindName(EKind kind) {
+  static constexpr std::array kNames{
+      "",        "element",          "attribute",     "text",
+      "cdata",   "entity-reference", "entity",        "processing-instruction",
+      "comment", "document",         "document-type", "fragment",
+      "notation"};
+  return kNames.at(static_cast<size_t>(kind));
+}
+
+CNode FirstChild(TSXRefId node) {
+  CNode child;
+  Require(TSXGetFirstChild(node, 0, child.Out()), "node");
+  return child;
+}
+
+CNode NextSibling(const CNode& node) {
+  CNode sibling;
+  Require(TSXGetNextSibling(node.Get(), 0, sibling.Out()), "node");
+  return sibling;
+}
+
+CText Property(TSXRefId node, CStringGetter getter) {
+  CText text;
+  Require(getter(node, 0, text.Get()), "node");
+  return text;
+}
+
+CNodeArray Select(const CDocument& document, const std::string& file,
+                  const std::string& expression) {
+  CText text(expression);
+  CText errorText;
+  CNodeArray nodes;
+  const TSXStatus status =
+      XPathEvaluateContextToNodeArray(document.Get(), text.Get(), nodes.Get(), errorText.Get());
+  if (status != 0 && !errorText.IsNull()) {
+    throw CFailure(StatusLine(file, status, errorText.View()));
+  }
+  Require(status, file);
+  return nodes;
+}

@@ -1,0 +1,41 @@
+// What the subcommands ask of nodes, with failures as CFailure.
+#ifndef TESSEL_TOOLS_NODES_H
+#define TESSEL_TOOLS_NODES_H
+
+#include <string>
+#include <string_view>
+
+#include "owners.h"
+
+// The kinds of node, numbered as TSXGetNodeType gives them.
+enum class EKind : int32_t {
+  kElement = 1,
+  kAttribute,
+  kText,
+  kCDATA,
+  kEntityReference,
+  kEntity,
+  kProcessingInstruction,
+  kComment,
+  kDocument,
+  kDocumentType,
+  kFragment,
+  kNotation
+};
+
+EKind KindOf(TSXRefId node);
+const char* KindName(EKind kind);
+
+CNode FirstChild(TSXRefId node);
+CNode NextSibling(const CNode& node);
+
+// A string property, by the function that gives it.
+using CStringGetter = TSXStatus (*)(TSXRefId, uint64_t, HStr*);
+CText Property(TSXRefId node, CStringGetter getter);
+
+// The nodes that an expression selects, in document order. `file` is named in
+// the message of a failure.
+CNodeArray Select(const CDocument& document, const std::string& file,
+                  const std::string& expression);
+
+#endif

@@ -1,0 +1,111 @@
+#include <memory>
+
+#include "client.h"
+#include "document.h"
+#include "message.h"
+#include "nodes.h"
+#include "output.h"
+
+namespace {
+
+struct CQueryOptions {
+  std::string m_File;
+  std::string m_Expression;
+  bool m_Text = false;
+  bool m_Count = false;
+  bool m_NoNamespaces = false;
+};
+
+std::string Escaped(std::string_view value) {
+  std::string escaped;
+  for (const char c : value) {
+    switch (c) {
+      case '&':
+        escaped += "&amp;";
+        break;
+      case '<':
+        escaped += "&lt;";
+        break;
+      case '"':
+        escaped += "&quot;";
+        break;
+      case '\n':
+        escaped += "&#xA;";
+        break;
+      case '\r':
+        escaped += "&#xD;";
+        break;
+      case '\t':
+        escaped += "&#x9;";
+        break;
+      default:
+        escaped += c;
+    }
+  }
+  return escaped;
+}
+
+// An attribute is no XML alone, so the writer refuses it.
+std::string AttributeXML(TSXRefId attribute) {
+  return std::string(Property(attribute, TSXName).View()) + "=\"" +
+         Escaped(Property(attribute, TSXGetAttrValue).View()) + '"';
+}
+
+std::string NodeXML(TSXRefId node, const std::string& file) {
+  if (KindOf(node) == EKind::kAttribute) return AttributeXML(node);
+  CText xml;
+  Require(TSXGetXML(node, xml.Get()), file);
+  return std::string(xml.View());
+}
+
+std::string NodeText(TSXRefId node, const std::string& file) {
+  CText text;
+  // A document has no text content of its own: that of its document element counts.
+  CNode element;
+  if (KindOf(node) == EKind::kDocument) {
+    for (element = FirstChild(node); element && KindOf(element.Get()) != EKind::kElement;) {
+      element = NextSibling(element);
+    }
+  }
+  Require(TSXGetText(element ? element.Get() : node, text.Get()), file);
+  return std::string(text.View());
+}
+
+int RunQuery(const CQueryOptions& options, const CClient& client) {
+  CReadOptions read;
+  read.m_Namespaces = options.m_NoNamespaces ? 0 : 1;
+  const CDocument document = ReadDocument(options.m_File, client, read);
+  const CNodeArray nodes = Select(document, options.m_File, options.m_Expression);
+  if (options.m_Count) {
+    Print(std::to_string(nodes.Size()) + '\n');
+  } else {
+    // What is shown beside other text, and with --text, is in one encoding.
+    SetEncoding(document, "UTF-8");
+    const auto show = options.m_Text ? NodeText : NodeXML;
+    for (size_t i = 0; i < nodes.Size(); ++i) Print(show(nodes.At(i), options.m_File) + '\n');
+  }
+  return nodes.Size() > 0 ? kDone : kFailed;
+}
+
+}  // namespace
+
+void AddQuery(CLI::App& app, CClient& client) {
+  auto options = std::make_shared<CQueryOptions>();
+  CLI::App* pQuery =
+      app.add_subcommand("query", "Print the nodes that an XPath expression selects");
+  pQuery->add_option("FILE", options->m_File, "XML file; - is standard input")->required();
+  pQuery->add_option("EXPRESSION", options->m_Expression, "XPath expression")->required();
+  CLI::Option* pText =
+      pQuery->add_flag("--text", options->m_Text, "Print the text of each node, not its XML");
+  pQuery->add_flag("--count", options->m_Count, "Print how many nodes there are")->excludes(pText);
+  pQuery->add_flag("--no-namespaces", options->m_NoNamespaces,
+                   "Take names as they are written, prefix and all");
+  pQuery->footer(
+      "Exit status 0: something found; 1: nothing found, or an error.\n\n"
+      "Examples:\n"
+      "  tessel query catalogue.xml '//tile[@size > 20]'\n"
+      "  tessel query --text catalogue.xml //colour\n"
+      "  tessel query --count catalogue.xml //@id");
+  pQuery->callback(
+      [options, &client] { client.m_Run = [=, &client] { return RunQuery(*options, client); }; });
+}
