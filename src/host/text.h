@@ -22,15 +22,28 @@ struct CXercesRelease {
   void operator()(char* pText) const { xercesc::XMLString::release(&pText); }
 };
 
-// UTF-16 text made from the local code page.
+// UTF-16 text made from a host string in the local code page, cut at its first NUL
+// byte. ASCII is widened in place; all else is the transcoder's.
 class CWideText {
  public:
-  explicit CWideText(const char* pText) : m_pText(xercesc::XMLString::transcode(pText)) {}
-  explicit CWideText(HStr* pString) : CWideText(CHostText(pString).Get()) {}
-  const XMLCh* Get() const { return m_pText.get(); }
+  explicit CWideText(HStr* pString);
+  explicit CWideText(const char* pText) : m_pTranscoded(xercesc::XMLString::transcode(pText)) {
+    m_pText = m_pTranscoded.get();
+  }
+  CWideText(const CWideText&) = delete;
+  CWideText& operator=(const CWideText&) = delete;
+
+  const XMLCh* Get() const { return m_pText; }
 
  private:
-  std::unique_ptr<XMLCh[], CXercesRelease> m_pText;
+  static constexpr size_t kShort = 48;  // most names fit: no allocation
+
+  void Widen(const unsigned char* pBytes, size_t count);
+
+  XMLCh m_Short[kShort];
+  std::unique_ptr<XMLCh[]> m_pLong;
+  std::unique_ptr<XMLCh[], CXercesRelease> m_pTranscoded;
+  const XMLCh* m_pText = nullptr;
 };
 
 // Local code page text made from UTF-16; null stays null.
@@ -44,6 +57,4 @@ class CLocalText {
 };
 
 // Hands UTF-16 text to the host; null clears the string. Returns the host code.
-inline int32_t StoreText(const XMLCh* pText, HStr* pString) {
-  return CStrToHStr(CLocalText(pText).Get(), pString);
-}
+int32_t StoreText(const XMLCh* pText, HStr* pString);

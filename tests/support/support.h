@@ -52,7 +52,7 @@ class CIds {
   bool IsNull() const { return m_Handle == nullptr; }
   std::vector<TSXRefId> Get() const {
     std::vector<TSXRefId> ids;
-    if (m_Handle == nullptr) return ids;
+    if (m_Handle == nullptr || (*m_Handle)->count == 0) return ids;
     ids.resize(static_cast<size_t>((*m_Handle)->count));
     std::memcpy(ids.data(), reinterpret_cast<const char*>(*m_Handle) + 8, ids.size() * 8);
     return ids;
