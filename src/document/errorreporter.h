@@ -42,6 +42,6 @@ class DOMTreeErrorReporter : public xercesc::ErrorHandler, public xercesc::DOMEr
 
   int32_t fEHCode = 0;
   char* fDOMError = nullptr;  // host memory that no host function takes back, hence reused
-  int32_t m_DOMErrorSize = 0;
   HStr fEHMsg = nullptr;
+  int32_t m_DOMErrorSize = 0;  // of the block behind fDOMError, bytes
 };

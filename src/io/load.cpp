@@ -19,8 +19,7 @@ constexpr CParseTexts kStringTexts{"SAXParseException caught while loading XML s
 
 // The new tree is known by its document node before the old one goes, so that no
 // moment is without a document.
-void ReplaceTree(CXercesDOM& dom) {
-  CDOMOwner<DOMDocument> parsed = TakeParsed(dom);
+void ReplaceTree(CXercesDOM& dom, CDOMOwner<DOMDocument> parsed) {
   if (parsed == nullptr) return;
   g_NodeDomMap.Insert(parsed.get(), &dom);
   DOMDocument* pOld = dom.m_pDoc;
@@ -32,8 +31,7 @@ template <class Parse>
 TSXStatus Load(CXercesDOM& dom, const CParseTexts& texts, HStr* pParseErrors, HStr* pExceptionText,
                Parse parse) {
   return RunParse(texts, pExceptionText, [&] {
-    parse(*dom.m_pParser);
-    ReplaceTree(dom);
+    ReplaceTree(dom, parse());
     return ReportParse(dom, pParseErrors);
   });
 }
@@ -48,15 +46,13 @@ TSXStatus TSXLoadFile(TSXRefId document, HostPath path, HStr* parseErrors, HStr*
   const CNativePath native(path);
   if (native.Get() == nullptr) return CNativePath::kRefused;
   return Load(*pDom, kFileTexts, parseErrors, exceptionText,
-              [&](auto& parser) { parser.parse(native.Get()); });
+              [&] { return ParseAndTake(*pDom, native.Get()); });
 }
 
 // Contract: no file lock here, unlike the other load.
 TSXStatus TSXLoadString(TSXRefId document, HStr* xmlText, HStr* parseErrors, HStr* exceptionText) {
   auto* pDom = FindObject<CXercesDOM>(document);
   if (pDom == nullptr) return domErrRefDocument;
-  return Load(*pDom, kStringTexts, parseErrors, exceptionText, [&](auto& parser) {
-    const CStringSource source(xmlText, "LoadXMLString");
-    parser.parse(source.Get());
-  });
+  return Load(*pDom, kStringTexts, parseErrors, exceptionText,
+              [&] { return ParseAndTake(*pDom, CStringSource(xmlText, "LoadXMLString").Get()); });
 }

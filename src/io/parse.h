@@ -7,10 +7,9 @@
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/framework/MemBufInputSource.hpp>
 
+#include "document/xercesdom.h"
 #include "host/domowner.h"
 #include "host/text.h"
-
-class CXercesDOM;
 
 // The bytes of a host string up to the first NUL, as the parser wants them.
 class CStringSource {
@@ -23,8 +22,15 @@ class CStringSource {
   xercesc::MemBufInputSource m_Source;
 };
 
-// The document that the parser's last parse produced; null for none.
-CDOMOwner<xercesc::DOMDocument> TakeParsed(CXercesDOM& dom);
+// Parses and takes what the parse produced; null for none. The parser goes on naming
+// a document that was taken from it, and a parse that fails before it begins would
+// offer that one a second time: hence the reset.
+template <class Source>
+CDOMOwner<xercesc::DOMDocument> ParseAndTake(CXercesDOM& dom, const Source& source) {
+  dom.m_pParser->resetDocumentPool();
+  dom.m_pParser->parse(source);
+  return CDOMOwner<xercesc::DOMDocument>(dom.m_pParser->adoptDocument());
+}
 
 // The parser's lines and the status of its last parse.
 TSXStatus ReportParse(CXercesDOM& dom, HStr* pParseErrors);

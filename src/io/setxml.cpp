@@ -35,8 +35,7 @@ TSXStatus TSXElementSetXML(TSXRefId element, HStr* xmlText, HStr* parseErrors,
   if (pDom == nullptr) return domErrRefDocument;
   return RunParse(kTexts, exceptionText, [&]() -> TSXStatus {
     const CStringSource source(xmlText, "SetXMLString");
-    pDom->m_pParser->parse(source.Get());
-    const CDOMOwner<DOMDocument> parsed = TakeParsed(*pDom);
+    const CDOMOwner<DOMDocument> parsed = ParseAndTake(*pDom, source.Get());
     DOMElement* pParsedRoot = parsed != nullptr ? parsed->getDocumentElement() : nullptr;
     if (parsed != nullptr) {
       DOMNode* pParent = pElement->getParentNode();

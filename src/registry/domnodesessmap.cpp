@@ -11,27 +11,28 @@ unsigned long CDOMNodeSessMap::Insert(DOMNode* pNode) {
   if (pNode == nullptr) return 0;
   if (const unsigned long known = CountAgain(pNode)) return known;
   // The owner is asked under the lock; no other registry operation calls the DOM.
-  std::map<DOMNode*, DOMDocument*> owner;
-  if (DOMDocument* pDoc = pNode->getOwnerDocument()) owner.emplace(pNode, pDoc);
-  const unsigned long id = Register(pNode);
-  if (owner.empty()) {
-    RecordKind(pNode, id);
-  } else {
-    m_NodeToDoc.erase(pNode);
-    m_NodeToDoc.merge(owner);
-  }
+  DOMDocument* pOwner = pNode->getOwnerDocument();
+  const auto loose = m_LooseOwners.find(pNode);
+  const bool wasLoose = loose != m_LooseOwners.end();
+  const bool hasOwner = pOwner != nullptr || wasLoose;
+  if (pOwner == nullptr && wasLoose) pOwner = loose->second;
+  // Everything that may throw comes before the first change that would stay.
+  if (hasOwner) m_OwnedBy.try_emplace(pOwner, 0);
+  const unsigned long id = Register(pNode, NewSlot(*pNode));
+  if (hasOwner) Link(id, *m_Slots.Find(id), pOwner);
+  if (wasLoose) m_LooseOwners.erase(pNode);
   return id;
 }
 
 bool CDOMNodeSessMap::DeleteBySess(unsigned long id) {
   CHostLock lock(m_Mutex);
   TakeAdoptions();
-  if (!CountBack(id)) return false;
-  if (const DOMDocument* pDoc = DocumentOf(id)) {
+  CSlot* pSlot = m_Slots.Find(id);
+  if (pSlot == nullptr || !CountBack(*pSlot)) return false;
+  if (DOMDocument* pDoc = DocumentOf(*pSlot)) {
     SweepDocument(pDoc);
-    m_DocumentIds.erase(id);
   } else {
-    m_NodeToDoc.erase(Find(id));
+    TakeOwner(pSlot->m_pObject);
   }
   Erase(id);
   return true;
@@ -39,8 +40,8 @@ bool CDOMNodeSessMap::DeleteBySess(unsigned long id) {
 
 CDOMNodeSessMap::CEntry CDOMNodeSessMap::GetEntryBySess(unsigned long id) {
   CHostLock lock(m_Mutex);
-  const auto document = m_DocumentIds.find(id);
-  return {Find(id), document != m_DocumentIds.end() ? document->second.m_Kind : ENodeKind::kNode};
+  const CSlot* pSlot = m_Slots.Find(id);
+  return pSlot != nullptr ? CEntry{pSlot->m_pObject, pSlot->m_Kind} : CEntry{};
 }
 
 void CDOMNodeSessMap::InsertDocNodeMapEntry(DOMDocument* pDoc, DOMNode* pNode) {
@@ -53,16 +54,16 @@ void CDOMNodeSessMap::InsertDocNodeMapEntry(DOMDocument* pDoc, DOMNode* pNode) {
 void CDOMNodeSessMap::ResetPtr(DOMNode* pNewNode, unsigned long id) {
   CHostLock lock(m_Mutex);
   TakeAdoptions();
-  DOMNode* pOld = Find(id);
-  if (pOld == nullptr) return;
-  m_PtrToSess.erase(pOld);
+  CSlot* pSlot = m_Slots.Find(id);
+  if (pSlot == nullptr || pSlot->m_pObject == nullptr) return;
+  DOMDocument* pOwner = TakeOwner(pSlot->m_pObject).value_or(nullptr);
+  pOwner = TakeOwner(pNewNode).value_or(pOwner);
+  m_PtrToSess.erase(pSlot->m_pObject);
   m_PtrToSess.emplace(pNewNode, id);
-  m_SessToPtr[id] = pNewNode;
-  DOMDocument* pDoc = m_NodeToDoc[pOld];
-  m_NodeToDoc.erase(pOld);
-  m_NodeToDoc.emplace(pNewNode, pDoc);
-  m_DocumentIds.erase(id);
-  if (pNewNode != nullptr) RecordKind(pNewNode, id);
+  pSlot->m_pObject = pNewNode;
+  pSlot->m_Kind = ENodeKind::kNode;
+  if (pNewNode != nullptr) SetKind(*pSlot, *pNewNode);
+  if (pSlot->m_Kind == ENodeKind::kNode) SetOwner(pNewNode, pOwner);
 }
 
 void CDOMNodeSessMap::Withdraw(const std::vector<DOMNode*>& nodes) {
@@ -71,34 +72,103 @@ void CDOMNodeSessMap::Withdraw(const std::vector<DOMNode*>& nodes) {
   TakeAdoptions();
   if (m_PtrToSess.empty()) return;
   for (DOMNode* pNode : nodes) {
-    WithdrawNode(pNode);
-    m_NodeToDoc.erase(pNode);
+    TakeOwner(pNode);
+    const auto found = m_PtrToSess.find(pNode);
+    if (found != m_PtrToSess.end()) Erase(found->second);
   }
 }
 
 void CDOMNodeSessMap::Forget(DOMNode* pNode) {
   CHostLock lock(m_Mutex);
   TakeAdoptions();
-  ForgetPtr(pNode);
-  m_NodeToDoc.erase(pNode);
+  ForgetNode(pNode);
 }
 
 void CDOMNodeSessMap::WithdrawDocument(DOMDocument* pDoc) {
   CHostLock lock(m_Mutex);
   TakeAdoptions();
   SweepDocument(pDoc);
-  ForgetPtr(pDoc);
+  ForgetNode(pDoc);
 }
 
 void CDOMNodeSessMap::ForgetDocument(DOMDocument* pDoc) {
   CHostLock lock(m_Mutex);
   TakeAdoptions();
-  std::erase_if(m_NodeToDoc, [&](const auto& entry) TESSEL_REQUIRES(m_Mutex) {
-    if (entry.second != pDoc) return false;
-    ForgetPtr(entry.first);
-    return true;
+  TakeList(pDoc, [&](unsigned long, CSlot& slot) TESSEL_REQUIRES(m_Mutex) {
+    m_PtrToSess.erase(slot.m_pObject);
+    slot.m_pObject = nullptr;
   });
-  ForgetPtr(pDoc);
+  ForgetNode(pDoc);
+}
+
+CDOMNodeSessMap::CSlot CDOMNodeSessMap::NewSlot(DOMNode& node) {
+  CSlot slot;
+  SetKind(slot, node);
+  return slot;
+}
+
+void CDOMNodeSessMap::SetKind(CSlot& slot, DOMNode& node) {
+  if (node.getNodeType() != DOMNode::DOCUMENT_NODE) return;
+  if (dynamic_cast<CXercesDOM*>(&node) != nullptr) {
+    slot.m_Kind = ENodeKind::kDocumentObject;
+  } else {
+    slot.m_Kind = ENodeKind::kBareDocument;
+    slot.m_pOwner = dynamic_cast<DOMDocument*>(&node);
+  }
+}
+
+DOMDocument* CDOMNodeSessMap::DocumentOf(const CSlot& slot) {
+  if (slot.m_Kind == ENodeKind::kNode) return nullptr;
+  if (slot.m_Kind == ENodeKind::kBareDocument) return slot.m_pOwner;
+  return static_cast<CXercesDOM*>(slot.m_pObject)->m_pDoc;
+}
+
+void CDOMNodeSessMap::SetOwner(DOMNode* pNode, DOMDocument* pDoc) {
+  TakeOwner(pNode);
+  const auto found = m_PtrToSess.find(pNode);
+  if (found == m_PtrToSess.end()) {
+    m_LooseOwners.emplace(pNode, pDoc);
+  } else {
+    Link(found->second, *m_Slots.Find(found->second), pDoc);
+  }
+}
+
+std::optional<DOMDocument*> CDOMNodeSessMap::TakeOwner(DOMNode* pNode) {
+  if (CSlot* pSlot = SlotOf(pNode)) {
+    if (!pSlot->m_HasOwner) return std::nullopt;
+    DOMDocument* pOwner = pSlot->m_pOwner;
+    Unlink(*pSlot);
+    return pOwner;
+  }
+  const auto loose = m_LooseOwners.find(pNode);
+  if (loose == m_LooseOwners.end()) return std::nullopt;
+  DOMDocument* pOwner = loose->second;
+  m_LooseOwners.erase(loose);
+  return pOwner;
+}
+
+// In front of the list: the newest id comes first.
+void CDOMNodeSessMap::Link(unsigned long id, CSlot& slot, DOMDocument* pDoc) {
+  unsigned long& first = m_OwnedBy[pDoc];
+  slot.m_HasOwner = true;
+  slot.m_pOwner = pDoc;
+  slot.m_Previous = 0;
+  slot.m_Next = first;
+  if (first != 0) m_Slots.Find(first)->m_Previous = id;
+  first = id;
+}
+
+void CDOMNodeSessMap::Unlink(CSlot& slot) {
+  if (slot.m_Next != 0) m_Slots.Find(slot.m_Next)->m_Previous = slot.m_Previous;
+  if (slot.m_Previous != 0) {
+    m_Slots.Find(slot.m_Previous)->m_Next = slot.m_Next;
+  } else if (slot.m_Next != 0) {
+    m_OwnedBy[slot.m_pOwner] = slot.m_Next;
+  } else {
+    m_OwnedBy.erase(slot.m_pOwner);
+  }
+  slot.m_HasOwner = false;
+  slot.m_pOwner = nullptr;
 }
 
 void CDOMNodeSessMap::TakeAdoptions() {
@@ -109,39 +179,47 @@ void CDOMNodeSessMap::TakeAdoptions() {
     adoptions.swap(m_Adoptions);
     m_HasAdoptions = false;
   }
-  for (const auto& [pNode, pDoc] : adoptions) m_NodeToDoc.insert_or_assign(pNode, pDoc);
+  for (const auto& [pNode, pDoc] : adoptions) SetOwner(pNode, pDoc);
 }
 
-// The tree that closing this id takes along; null for a plain node.
-DOMDocument* CDOMNodeSessMap::DocumentOf(unsigned long id) const {
-  const auto document = m_DocumentIds.find(id);
-  if (document == m_DocumentIds.end()) return nullptr;
-  if (document->second.m_Kind == ENodeKind::kBareDocument) return document->second.m_pDoc;
-  return static_cast<CXercesDOM*>(Find(id))->m_pDoc;
+CDOMNodeSessMap::CSlot* CDOMNodeSessMap::SlotOf(DOMNode* pNode) {
+  const auto found = m_PtrToSess.find(pNode);
+  return found != m_PtrToSess.end() ? m_Slots.Find(found->second) : nullptr;
 }
 
-void CDOMNodeSessMap::SweepDocument(const DOMDocument* pDoc) noexcept {
-  std::erase_if(m_NodeToDoc, [&](const auto& entry) TESSEL_REQUIRES(m_Mutex) {
-    if (entry.second != pDoc) return false;
-    WithdrawNode(entry.first);
-    return true;
-  });
+void CDOMNodeSessMap::Erase(unsigned long id) {
+  m_PtrToSess.erase(m_Slots.Find(id)->m_pObject);
+  m_Slots.Erase(id);
 }
 
-void CDOMNodeSessMap::WithdrawNode(DOMNode* pNode) {
+void CDOMNodeSessMap::ForgetNode(DOMNode* pNode) {
+  TakeOwner(pNode);
   const auto found = m_PtrToSess.find(pNode);
   if (found == m_PtrToSess.end()) return;
-  m_DocumentIds.erase(found->second);
-  m_SessToPtr.erase(found->second);
-  m_SessRefCount.erase(found->second);
+  m_Slots.Find(found->second)->m_pObject = nullptr;
   m_PtrToSess.erase(found);
 }
 
-void CDOMNodeSessMap::RecordKind(DOMNode* pNode, unsigned long id) {
-  if (pNode->getNodeType() != DOMNode::DOCUMENT_NODE) return;
-  if (dynamic_cast<CXercesDOM*>(pNode) != nullptr) {
-    m_DocumentIds.insert({id, {ENodeKind::kDocumentObject, nullptr}});
-  } else {
-    m_DocumentIds.insert({id, {ENodeKind::kBareDocument, dynamic_cast<DOMDocument*>(pNode)}});
+template <class Visit>
+void CDOMNodeSessMap::TakeList(DOMDocument* pDoc, Visit visit) {
+  const auto list = m_OwnedBy.find(pDoc);
+  if (list == m_OwnedBy.end()) return;
+  unsigned long id = list->second;
+  m_OwnedBy.erase(list);
+  while (id != 0) {
+    CSlot& slot = *m_Slots.Find(id);
+    const unsigned long next = slot.m_Next;
+    slot.m_HasOwner = false;
+    slot.m_pOwner = nullptr;
+    visit(id, slot);
+    id = next;
+  }
+}
+
+// Contract: nothing that happens in here stops the close that it is a part of.
+void CDOMNodeSessMap::SweepDocument(DOMDocument* pDoc) {
+  TakeList(pDoc, [&](unsigned long id, CSlot&) TESSEL_REQUIRES(m_Mutex) { Erase(id); });
+  for (auto loose = m_LooseOwners.begin(); loose != m_LooseOwners.end();) {
+    loose = loose->second == pDoc ? m_LooseOwners.erase(loose) : std::next(loose);
   }
 }

@@ -1,9 +1,11 @@
 // Reference ids for DOM nodes, each tied to the document that owns its node.
 #pragma once
 
+#include <absl/container/btree_map.h>
+
 #include <atomic>
-#include <map>
 #include <mutex>
+#include <optional>
 #include <utility>
 #include <vector>
 #include <xercesc/dom/DOM.hpp>
@@ -12,12 +14,28 @@
 
 // What an id stands for. It is recorded when the id is issued: by the time the
 // id comes back, the node may be gone.
-enum class ENodeKind { kNode, kDocumentObject, kBareDocument };
+enum class ENodeKind : uint8_t { kNode, kDocumentObject, kBareDocument };
 
-// On top of CPtrSessMap:
-// - m_NodeToDoc names the owning document of each registered node that has one.
-//   A document is never a key. An owner may be recorded as null.
-// - m_DocumentIds holds the kind of the ids that are no plain nodes.
+// What the node registry keeps for an id. The ids of one document's nodes form a
+// list through their slots.
+struct CNodeSlot : CSessSlot<xercesc::DOMNode> {
+  ENodeKind m_Kind = ENodeKind::kNode;
+  bool m_HasOwner = false;                   // an owner may be recorded as null
+  xercesc::DOMDocument* m_pOwner = nullptr;  // of a bare document: itself
+  unsigned long m_Previous = 0;
+  unsigned long m_Next = 0;
+};
+
+template <>
+struct CSlotOf<xercesc::DOMNode> {
+  using Type = CNodeSlot;
+};
+
+// On top of CPtrSessMap, each node has the owner document that it had when it was
+// registered, unless it had none, and:
+// - m_OwnedBy leads from a document to the first id of its nodes' list, so that
+//   closing a document costs its own nodes and no others.
+// - m_LooseOwners holds the owners recorded for nodes that have no id.
 // - No id points at a node that is gone: whoever frees nodes withdraws their
 //   ids (the ids are gone too) or forgets them (the ids stay, with no object).
 class TESSEL_DATA CDOMNodeSessMap : public CPtrSessMap<xercesc::DOMNode> {
@@ -62,20 +80,31 @@ class TESSEL_DATA CDOMNodeSessMap : public CPtrSessMap<xercesc::DOMNode> {
   void ForgetDocument(xercesc::DOMDocument* pDoc);
 
  private:
-  struct CDocumentId {
-    ENodeKind m_Kind;
-    xercesc::DOMDocument* m_pDoc;  // null for a document object: its tree changes
-  };
+  static CSlot NewSlot(xercesc::DOMNode& node);
+  static void SetKind(CSlot& slot, xercesc::DOMNode& node);
+  // The tree that closing this id takes along; null for a plain node.
+  static xercesc::DOMDocument* DocumentOf(const CSlot& slot);
 
+  // A node's owner is kept in its slot while it has one. Take gives none where no
+  // owner is recorded, which differs from a recorded null.
   void SetOwner(xercesc::DOMNode* pNode, xercesc::DOMDocument* pDoc) TESSEL_REQUIRES(m_Mutex);
+  std::optional<xercesc::DOMDocument*> TakeOwner(xercesc::DOMNode* pNode) TESSEL_REQUIRES(m_Mutex);
+  void Link(unsigned long id, CSlot& slot, xercesc::DOMDocument* pDoc) TESSEL_REQUIRES(m_Mutex);
+  void Unlink(CSlot& slot) TESSEL_REQUIRES(m_Mutex);
   void TakeAdoptions() TESSEL_REQUIRES(m_Mutex);
-  xercesc::DOMDocument* DocumentOf(unsigned long id) const TESSEL_REQUIRES(m_Mutex);
-  void SweepDocument(const xercesc::DOMDocument* pDoc) noexcept TESSEL_REQUIRES(m_Mutex);
-  void WithdrawNode(xercesc::DOMNode* pNode) TESSEL_REQUIRES(m_Mutex);
-  void RecordKind(xercesc::DOMNode* pNode, unsigned long id) TESSEL_REQUIRES(m_Mutex);
 
-  std::map<xercesc::DOMNode*, xercesc::DOMDocument*> m_NodeToDoc TESSEL_GUARDED_BY(m_Mutex);
-  std::map<unsigned long, CDocumentId> m_DocumentIds TESSEL_GUARDED_BY(m_Mutex);
+  CSlot* SlotOf(xercesc::DOMNode* pNode) TESSEL_REQUIRES(m_Mutex);
+  void Erase(unsigned long id) TESSEL_REQUIRES(m_Mutex);
+  void ForgetNode(xercesc::DOMNode* pNode) TESSEL_REQUIRES(m_Mutex);
+
+  // Empties a document's list; each slot goes to `visit` with its id, unlinked.
+  template <class Visit>
+  void TakeList(xercesc::DOMDocument* pDoc, Visit visit) TESSEL_REQUIRES(m_Mutex);
+  void SweepDocument(xercesc::DOMDocument* pDoc) TESSEL_REQUIRES(m_Mutex);
+
+  absl::btree_map<xercesc::DOMDocument*, unsigned long> m_OwnedBy TESSEL_GUARDED_BY(m_Mutex);
+  absl::btree_map<xercesc::DOMNode*, xercesc::DOMDocument*> m_LooseOwners
+      TESSEL_GUARDED_BY(m_Mutex);
 
   // Owners handed over without the registry's lock. Their own mutex is held for
   // a push or a swap, never while another lock is taken.

@@ -1,7 +1,10 @@
 // Ties nodes to the document object that answers for them.
 #pragma once
 
-#include <map>
+#include <absl/container/btree_map.h>
+#include <absl/container/btree_set.h>
+
+#include <utility>
 #include <vector>
 #include <xercesc/dom/DOM.hpp>
 
@@ -48,6 +51,16 @@ class CNodeDomMap {
     const xercesc::DOMDocument* m_pTree;
   };
 
-  std::map<xercesc::DOMNode*, CEntry> m_NodeToDom TESSEL_GUARDED_BY(m_Mutex);
+  template <class Owner>
+  using CIndex = absl::btree_set<std::pair<Owner, xercesc::DOMNode*>>;
+
+  bool Erase(xercesc::DOMNode* pNode) TESSEL_REQUIRES(m_Mutex);
+  template <class Owner>
+  bool EraseAll(const CIndex<Owner>& index, Owner owner) TESSEL_REQUIRES(m_Mutex);
+
+  // The indexes say which entries go with a document object and which with a tree.
+  absl::btree_map<xercesc::DOMNode*, CEntry> m_NodeToDom TESSEL_GUARDED_BY(m_Mutex);
+  CIndex<CXercesDOM*> m_ByDom TESSEL_GUARDED_BY(m_Mutex);
+  CIndex<const xercesc::DOMDocument*> m_ByTree TESSEL_GUARDED_BY(m_Mutex);
   CHostMutex m_Mutex;
 };

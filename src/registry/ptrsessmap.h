@@ -1,29 +1,51 @@
 // Reference ids for the objects of one kind.
 #pragma once
 
+#include <absl/container/btree_map.h>
+
 #include <algorithm>
 #include <cstdint>
-#include <map>
 #include <span>
 #include <xercesc/dom/DOM.hpp>
 
 #include "host/hostmutex.h"
+#include "registry/idtable.h"
 
 // What the exported data objects are made of is visible outside the library.
 #define TESSEL_DATA __attribute__((visibility("default")))
+
+// What every registry keeps for an id.
+template <class T>
+struct CSessSlot {
+  T* m_pObject = nullptr;
+  int32_t m_RefCount = 0;
+
+  bool IsFree() const { return m_RefCount == 0; }
+};
+
+// What a registry of collections keeps besides: the node whose memory a collection
+// lives and dies with, and the document of that node. One without never dies.
+template <class T>
+struct CHeldSlot : CSessSlot<T> {
+  const xercesc::DOMNode* m_pHolder = nullptr;
+  const xercesc::DOMDocument* m_pTree = nullptr;
+};
+
+template <class T>
+struct CSlotOf {
+  using Type = CHeldSlot<T>;
+};
 
 // Gives each registered pointer an id and counts how often that id was handed
 // out; the entry goes when as many hand-outs have come back. Objects are
 // borrowed: a registry never frees one.
 //
 // Invariants, under m_Mutex:
-// - m_PtrToSess and m_SessToPtr are inverse of each other, but for forgotten
-//   ids: those stay in m_SessToPtr with a null pointer, because their object is
-//   gone while the host still holds the id.
-// - Every id of m_SessToPtr has a count of at least 1 in m_SessRefCount.
+// - m_PtrToSess and the slots' objects are inverse of each other, but for forgotten
+//   ids: those keep their slot with a null object, because it is gone while the host
+//   still holds the id.
+// - A slot that is in use has a count of at least 1.
 // - Ids only grow; none is issued twice.
-// - m_Holders names the node whose memory a collection lives and dies with, and the
-//   document that this node belongs to. An object without holder never dies.
 // A registration that runs out of memory leaves the registry as it was.
 template <class T>
 class TESSEL_DATA CPtrSessMap {
@@ -38,33 +60,32 @@ class TESSEL_DATA CPtrSessMap {
     CHostLock lock(m_Mutex);
     if (p == nullptr) return 0;
     const unsigned long known = CountAgain(p);
-    return known != 0 ? known : Register(p);
+    return known != 0 ? known : Register(p, {});
   }
 
   // As Insert, for a collection that goes when `holder` goes.
   unsigned long InsertHeld(T* p, const xercesc::DOMNode& holder) {
-    const CHolder entry{&holder, holder.getOwnerDocument()};
+    CSlot slot;
+    slot.m_pHolder = &holder;
+    slot.m_pTree = holder.getOwnerDocument();
     CHostLock lock(m_Mutex);
     if (p == nullptr) return 0;
-    if (const unsigned long known = CountAgain(p)) return known;
-    CHolders holders{{p, entry}};
-    const unsigned long id = Register(p);
-    m_Holders.merge(holders);
-    return id;
+    const unsigned long known = CountAgain(p);
+    return known != 0 ? known : Register(p, slot);
   }
 
   // The node that a collection goes with; null for none.
   const xercesc::DOMNode* HolderOf(T* p) {
     CHostLock lock(m_Mutex);
-    const auto found = m_Holders.find(p);
-    return found != m_Holders.end() ? found->second.m_pNode : nullptr;
+    const auto found = m_PtrToSess.find(p);
+    return found != m_PtrToSess.end() ? m_Slots.Find(found->second)->m_pHolder : nullptr;
   }
 
   // Keeps the ids of the collections of these nodes, with no object. The nodes are
   // sorted by address and may be gone.
   void ForgetHeldBy(std::span<xercesc::DOMNode* const> sorted) {
-    ForgetIf([&](const CHolder& holder) {
-      return std::binary_search(sorted.begin(), sorted.end(), holder.m_pNode);
+    ForgetIf([&](const CSlot& slot) {
+      return std::binary_search(sorted.begin(), sorted.end(), slot.m_pHolder);
     });
   }
 
@@ -73,17 +94,19 @@ class TESSEL_DATA CPtrSessMap {
     const xercesc::DOMNode* pDocumentNode = pDoc;
     // A document type knew no document while it was free.
     const xercesc::DOMNode* pType = pDoc->getDoctype();
-    ForgetIf([&](const CHolder& holder) {
-      return holder.m_pTree == pDoc || holder.m_pNode == pDocumentNode ||
-             (pType != nullptr && holder.m_pNode == pType);
+    ForgetIf([&](const CSlot& slot) {
+      return slot.m_pHolder != nullptr &&
+             (slot.m_pTree == pDoc || slot.m_pHolder == pDocumentNode || slot.m_pHolder == pType);
     });
   }
 
   // Takes one hand-out back; true when it was the last and the entry is gone.
   bool DeleteBySess(unsigned long id) {
     CHostLock lock(m_Mutex);
-    if (!CountBack(id)) return false;
-    Erase(id);
+    CSlot* pSlot = m_Slots.Find(id);
+    if (pSlot == nullptr || !CountBack(*pSlot)) return false;
+    m_PtrToSess.erase(pSlot->m_pObject);
+    m_Slots.Erase(id);
     return true;
   }
 
@@ -91,7 +114,8 @@ class TESSEL_DATA CPtrSessMap {
   // uses it unlocked: no other thread may close the same id meanwhile.
   T* GetPtrBySess(unsigned long id) {
     CHostLock lock(m_Mutex);
-    return Find(id);
+    const CSlot* pSlot = m_Slots.Find(id);
+    return pSlot != nullptr ? pSlot->m_pObject : nullptr;
   }
 
   // How many ids name an object at the moment.
@@ -101,86 +125,61 @@ class TESSEL_DATA CPtrSessMap {
   }
 
  protected:
-  using CPtrToSess = std::map<T*, unsigned long>;
-  using CSessToPtr = std::map<unsigned long, T*>;
-  using CSessRefCount = std::map<unsigned long, int32_t>;
-
-  T* Find(unsigned long id) const TESSEL_REQUIRES(m_Mutex) {
-    const auto found = m_SessToPtr.find(id);
-    return found != m_SessToPtr.end() ? found->second : nullptr;
-  }
+  using CSlot = typename CSlotOf<T>::Type;
 
   // The id of a known pointer with one more hand-out, 0 for an unknown one.
   unsigned long CountAgain(T* p) TESSEL_REQUIRES(m_Mutex) {
     const auto found = m_PtrToSess.find(p);
     if (found == m_PtrToSess.end()) return 0;
-    ++m_SessRefCount[found->second];
+    ++m_Slots.Find(found->second)->m_RefCount;
     return found->second;
   }
 
-  unsigned long Register(T* p) TESSEL_REQUIRES(m_Mutex) {
+  // `slot` holds what the registry keeps beside object and count.
+  unsigned long Register(T* p, CSlot slot) TESSEL_REQUIRES(m_Mutex) {
     const unsigned long id = NextId();
-    // All nodes are made before the first map changes.
-    CPtrToSess ptrToSess{{p, id}};
-    CSessToPtr sessToPtr{{id, p}};
-    CSessRefCount sessRefCount{{id, 1}};
-    m_PtrToSess.merge(ptrToSess);
-    m_SessToPtr.merge(sessToPtr);
-    m_SessRefCount.merge(sessRefCount);
+    m_Slots.Reserve(id);
+    m_PtrToSess.emplace(p, id);
+    slot.m_pObject = p;
+    slot.m_RefCount = 1;
+    m_Slots.Occupy(id, slot);
     return id;
   }
 
-  // Counts one hand-out of a live id back; true when none is left.
-  bool CountBack(unsigned long id) TESSEL_REQUIRES(m_Mutex) {
-    if (Find(id) == nullptr) return false;
-    const auto count = m_SessRefCount.find(id);
-    return count != m_SessRefCount.end() && --count->second == 0;
+  // True when the last hand-out of a live object comes back; the slot is then the
+  // caller's to erase.
+  static bool CountBack(CSlot& slot) {
+    if (slot.m_pObject == nullptr) return false;
+    if (slot.m_RefCount == 1) return true;
+    --slot.m_RefCount;
+    return false;
   }
 
-  void Erase(unsigned long id) TESSEL_REQUIRES(m_Mutex) {
-    m_Holders.erase(Find(id));
-    m_PtrToSess.erase(Find(id));
-    m_SessToPtr.erase(id);
-    m_SessRefCount.erase(id);
-  }
-
-  // The id and its count stay with the host; the object is gone.
-  void ForgetPtr(T* p) TESSEL_REQUIRES(m_Mutex) {
-    const auto found = m_PtrToSess.find(p);
-    if (found == m_PtrToSess.end()) return;
-    m_SessToPtr[found->second] = nullptr;
-    m_PtrToSess.erase(found);
-  }
-
-  CPtrToSess m_PtrToSess TESSEL_GUARDED_BY(m_Mutex);
-  CSessToPtr m_SessToPtr TESSEL_GUARDED_BY(m_Mutex);
-  CSessRefCount m_SessRefCount TESSEL_GUARDED_BY(m_Mutex);
+  absl::btree_map<T*, unsigned long> m_PtrToSess TESSEL_GUARDED_BY(m_Mutex);
+  CIdTable<CSlot> m_Slots TESSEL_GUARDED_BY(m_Mutex);
   CHostMutex m_Mutex;
 
  private:
-  struct CHolder {
-    const xercesc::DOMNode* m_pNode;
-    const xercesc::DOMDocument* m_pTree;
-  };
-  using CHolders = std::map<T*, CHolder>;
-
   template <class Dies>
   void ForgetIf(Dies dies) {
     CHostLock lock(m_Mutex);
-    std::erase_if(m_Holders, [&](const auto& entry) TESSEL_REQUIRES(m_Mutex) {
-      if (!dies(entry.second)) return false;
-      ForgetPtr(entry.first);
-      return true;
-    });
+    for (auto entry = m_PtrToSess.begin(); entry != m_PtrToSess.end();) {
+      CSlot& slot = *m_Slots.Find(entry->second);
+      if (dies(slot)) {
+        slot.m_pObject = nullptr;
+        entry = m_PtrToSess.erase(entry);
+      } else {
+        ++entry;
+      }
+    }
   }
 
   unsigned long NextId() TESSEL_REQUIRES(m_Mutex) {
     do {
       ++m_LastSess;
-    } while (m_SessToPtr.contains(m_LastSess));
+    } while (m_Slots.Find(m_LastSess) != nullptr);
     return m_LastSess;
   }
 
-  CHolders m_Holders TESSEL_GUARDED_BY(m_Mutex);
   unsigned long m_LastSess TESSEL_GUARDED_BY(m_Mutex) = 0;
 };

@@ -257,56 +257,6 @@ TEST_F(Io, WideAndDeepTrees) {
   EXPECT_EQ(doc.Xml().size(), doc.Xml().find("<d>") + 7u * kDepth - 3u) << "the innermost is empty";
 }
 
-// -- Element replacement ------------------------------------------------------
-
-TEST_F(Io, ElementKeepsItsIdWhenItsXmlIsSet) {
-  CDoc doc("<r><a k='v'><c/></a><z/></r>");
-  const TSXRefId a = support::FirstChild(doc.Root());
-  const TSXRefId k = support::Attribute(a, "k");
-  const TSXRefId c = support::FirstChild(a);
-  const auto set = [&](TSXRefId id, const char* pXml, std::string* pErrors = nullptr) {
-    CText xml(pXml), errors, exception;
-    const TSXStatus status = TSXElementSetXML(id, &xml, &errors, &exception);
-    if (pErrors != nullptr) *pErrors = errors.Str();
-    return status;
-  };
-  EXPECT_EQ(set(a, "<!DOCTYPE b><!--x--><b x='1'><d/></b><!--y-->"), 0);
-  EXPECT_EQ(support::Name(a), "b");
-  EXPECT_EQ(TextOf(TSXGetXML, doc.Root()), "<r><b x=\"1\"><d/></b><z/></r>");
-  EXPECT_FALSE(support::Resolves(k));
-  EXPECT_FALSE(support::Resolves(c));
-  std::string errors;
-  EXPECT_EQ(set(a, "<e><f></e>", &errors), domErrParse);
-  EXPECT_EQ(errors, "Line 1, Column 9,  Message: expected end of tag 'f'");
-  EXPECT_EQ(support::Name(a), "e") << "what was read replaces the element";
-  EXPECT_EQ(set(a, "", &errors), domErrParse);
-  EXPECT_EQ(set(a, "no xml"), domErrParse);
-  EXPECT_EQ(support::Name(a), "e") << "no root, no replacement";
-  const TSXRefId root = doc.Root();
-  EXPECT_EQ(set(root, "<top/>"), 0);
-  EXPECT_EQ(support::Name(root), "top");
-  EXPECT_EQ(doc.Root(), root);
-  const TSXRefId loose = support::Create(doc.Id(), "loose");
-  EXPECT_EQ(set(loose, "<x/>"), domErrRefDocument);
-  EXPECT_EQ(support::Name(loose), "loose");
-  const uint8_t deep = 1;
-  const TSXRefId clone = IdOf(TSXCloneNode, doc.Id(), &deep);
-  EXPECT_EQ(set(support::FirstChild(clone), "<x/>"), domErrRefDocument);
-  TSXNodeClose(clone);
-}
-
-TEST_F(Io, ReadOnlyPlacesRefuseReplacementWithTheDomsText) {
-  CDoc doc("<!DOCTYPE r [<!ENTITY e '<in/>'>]><r>&e;</r>");
-  const TSXRefId reference = support::FirstChild(doc.Root());
-  const TSXRefId in = support::FirstChild(reference);
-  ASSERT_EQ(support::Name(in), "in");
-  CText xml("<x/>"), errors("left alone"), exception;
-  EXPECT_EQ(TSXElementSetXML(in, &xml, &errors, &exception), domErrParse);
-  EXPECT_EQ(errors.Str(), "left alone");
-  EXPECT_FALSE(exception.IsNull());
-  EXPECT_EQ(support::Name(in), "in");
-}
-
 TEST_F(Io, TenThousandLoadsAndReplacementsKeepMemoryFlat) {
   const auto resident = [] {
     std::ifstream statm("/proc/self/statm");
