@@ -57,7 +57,8 @@ TSX_API TSXStatus TSXLoadString(TSXRefId document, HStr* xmlText, HStr* parseErr
  * document, parsed with the options of the element's document. The element's id
  * moves to the new element with its hand-outs; ids of the old element's
  * attributes and descendants are withdrawn. Comments, processing instructions
- * and the document type around the new root are dropped. Malformed text whose
+ * and the document type around the new root are dropped, and with them what its
+ * entities stand for. Malformed text whose
  * root the parser had begun replaces the element by what was read; text without
  * any root leaves it where it is.
  *   domErrRefDocument   no element, an element without parent, or one of a

@@ -31,8 +31,9 @@ TSX_API TSXStatus TSXGetDoNamespaces(TSXRefId document, uint64_t ignored, uint8_
 
 /* Validation scheme, a number. Default: 0. 0 never validates; 1 always does, so
  * that a document without grammar has an error for every element; 2 does where
- * the document names a DTD or a schema. Any other number is accepted and read
- * back as 2. Violations are lines in the load's parseErrors, and the tree is
+ * the document names a DTD or a schema; one that cannot be found is then a mere
+ * warning, and nothing is checked. Any other number is accepted and read back as
+ * 2. Violations are lines in the load's parseErrors, and the tree is
  * built all the same. Codes shared with namespaces: domErrRefSetDoNamespaces,
  * domErrRefGetDoNamespaces. */
 TSX_API TSXStatus TSXSetValidateOnLoad(TSXRefId document, uint64_t ignored, const int32_t* value);
@@ -63,7 +64,7 @@ TSX_API TSXStatus TSXSetLoadExternalDTD(TSXRefId document, uint64_t ignored, con
 TSX_API TSXStatus TSXGetLoadExternalDTD(TSXRefId document, uint64_t ignored, uint8_t* value);
 
 /* Ignorable whitespace. Default: kept. When off, white space between elements
- * is left out of the tree where the DTD allows no text there. Only a load that
+ * is left out of the tree where the DTD or the schema allows no text there. Only a load that
  * validates (schemes 1 and 2) knows such places: with 0 all white space is
  * kept. domErrRefSetPreserveWhitespace, domErrRefGetPreserveWhitespace. */
 TSX_API TSXStatus TSXSetPreserveWhitespace(TSXRefId document, uint64_t ignored,
