@@ -85,8 +85,7 @@ TSX_API TSXStatus TSXSplitText(TSXRefId node, int32_t offset, TSXRefId* restOut)
 /* Gives the text content of any node: of an element, fragment, entity or entity
  * reference the text below it, comments and processing instructions left out;
  * of a leaf its value; of a document, document type or notation an empty
- * string. The DOM's code is dropped. Walks the subtree twice, and the text
- * stays in the document's memory until the document goes. domErrRefGetText. */
+ * string. One pass over the subtree. domErrRefGetText. */
 TSX_API TSXStatus TSXGetText(TSXRefId node, HStr* textOut);
 
 /* Sets the text content of any node: an element or fragment gets one text node

@@ -6,6 +6,7 @@
 #include "api/frame.h"
 #include "api/outs.h"
 #include "document/release.h"
+#include "registry/nodetree.h"
 
 using xercesc::DOMCharacterData;
 using xercesc::DOMException;
@@ -28,10 +29,32 @@ XMLSize_t CountWithin(const DOMCharacterData& data, XMLSize_t offset, XMLSize_t 
   return offset > length ? count : std::min(count, length - offset);
 }
 
-// The DOM looks for the text content of a document type in its document; one that
-// no document has taken has no text.
-bool LacksText(const DOMNode& node) {
-  return node.getNodeType() == DOMNode::DOCUMENT_TYPE_NODE && node.getOwnerDocument() == nullptr;
+// The text content of a node, as the DOM defines it. The DOM's own operation keeps
+// a copy in the document at every call, recurses, and crashes for a document type
+// that no document has taken.
+std::u16string TextContent(DOMNode& node) {
+  std::u16string text;
+  const auto append = [&](const DOMNode& part) {
+    if (part.getNodeValue() != nullptr) text += part.getNodeValue();
+  };
+  switch (node.getNodeType()) {
+    case DOMNode::ELEMENT_NODE:
+    case DOMNode::ENTITY_NODE:
+    case DOMNode::ENTITY_REFERENCE_NODE:
+    case DOMNode::DOCUMENT_FRAGMENT_NODE:
+      nodetree::ForEachChild(&node, [&](const DOMNode* pNode) {
+        const auto type = pNode->getNodeType();
+        if (type == DOMNode::TEXT_NODE || type == DOMNode::CDATA_SECTION_NODE) append(*pNode);
+      });
+      break;
+    case DOMNode::DOCUMENT_NODE:
+    case DOMNode::DOCUMENT_TYPE_NODE:
+    case DOMNode::NOTATION_NODE:
+      break;
+    default:
+      append(node);
+  }
+  return text;
 }
 
 }  // namespace
@@ -95,8 +118,7 @@ TSXStatus TSXSplitText(TSXRefId node, int32_t offset, TSXRefId* textOut) {
 TSXStatus TSXGetText(TSXRefId node, HStr* textOut) {
   return Get<DOMNode,
              Maps<DOMException::DOMSTRING_SIZE_ERR, DOMException::NO_MODIFICATION_ALLOWED_ERR>>(
-      node, domErrRefGetText, CForgivingStringOut(textOut),
-      [](auto& n) { return LacksText(n) ? nullptr : n.getTextContent(); });
+      node, domErrRefGetText, CForgivingStringOut(textOut), [](auto& n) { return TextContent(n); });
 }
 
 TSXStatus TSXSetText(TSXRefId node, HStr* textIn) {

@@ -9,9 +9,21 @@
 #include <tuple>
 #include <type_traits>
 
+#include "document/depth.h"
 #include "document/find.h"
 #include "host/guards.h"
 #include "host/text.h"
+
+// The call cannot raise, but it recurses: a tree too deep for the stack is unexpected.
+struct GuardsDepth {
+  template <class Call>
+  static TSXStatus Run(Call&& call) try {
+    call();
+    return 0;
+  } catch (const depth::CTooDeep&) {
+    return domErrUnexpected;
+  }
+};
 
 namespace frame {
 

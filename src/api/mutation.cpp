@@ -3,6 +3,7 @@
 
 #include "api/frame.h"
 #include "api/outs.h"
+#include "document/depth.h"
 #include "document/release.h"
 
 using xercesc::DOMDocument;
@@ -135,6 +136,7 @@ TSXStatus TSXImportNode(TSXRefId document, TSXRefId source, const uint8_t* deep,
   if (pDom == nullptr) return domErrRefImportNode;
   if (pSource == nullptr) return domErrRefImportNodeArg;
   return CMapsSupport::Run([&] {
+    if (*deep != 0) depth::RequireRoom(*pSource, depth::kImportLevel);
     DOMNode* pCopy = pDom->m_pDoc->importNode(pSource, *deep != 0);
     if (pCopy == nullptr) return;
     out.Store(pCopy);

@@ -3,6 +3,7 @@
 
 #include "api/frame.h"
 #include "api/outs.h"
+#include "document/depth.h"
 
 using xercesc::DOMAttr;
 using xercesc::DOMNode;
@@ -56,8 +57,11 @@ TSXStatus TSXOwnerElement(TSXRefId attribute, uint64_t, TSXRefId* elementOut) {
 }
 
 TSXStatus TSXCloneNode(TSXRefId node, const uint8_t* deep, TSXRefId* cloneOut) {
-  return Get<DOMNode, Unguarded>(node, domErrRefCloneNode, CUntouchedNodeOut(cloneOut),
-                                 [&](auto& n) { return n.cloneNode(*deep != 0); });
+  return Get<DOMNode, GuardsDepth>(node, domErrRefCloneNode, CUntouchedNodeOut(cloneOut),
+                                   [&](auto& n) {
+                                     if (*deep != 0) depth::RequireRoom(n, depth::kCloneLevel);
+                                     return n.cloneNode(*deep != 0);
+                                   });
 }
 
 TSXStatus TSXHasAttributes(TSXRefId node, uint8_t* flagOut) {

@@ -6,6 +6,7 @@
 #include <tessel/values.h>
 
 #include <cstdint>
+#include <string>
 
 #include "host/text.h"
 #include "registry/globals.h"
@@ -103,6 +104,7 @@ class CStringOut {
     return status;
   }
   TSXStatus Store(const XMLCh* pText) { return StoreText(pText, m_pString); }
+  TSXStatus Store(const std::u16string& text) { return StoreText(text.c_str(), m_pString); }
 
  protected:
   HStr* m_pString;

@@ -1,5 +1,6 @@
 #include "document/domimpl.h"
 
+#include <xercesc/dom/impl/DOMAttrImpl.hpp>
 #include <xercesc/dom/impl/DOMCasts.hpp>
 #include <xercesc/dom/impl/DOMNodeImpl.hpp>
 
@@ -7,6 +8,12 @@ namespace domimpl {
 
 bool IsReadOnly(const xercesc::DOMNode& node) {
   return xercesc::castToNodeImpl(&node)->isReadOnly();
+}
+
+bool IsOwned(const xercesc::DOMNode& node) { return xercesc::castToNodeImpl(&node)->isOwned(); }
+
+void RemoveFromIndex(xercesc::DOMAttr& attribute) {
+  static_cast<xercesc::DOMAttrImpl&>(attribute).removeAttrFromIDNodeMap();
 }
 
 void Reclaim(xercesc::DOMNode& item, xercesc::DOMNode& holder) {

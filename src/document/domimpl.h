@@ -8,6 +8,14 @@ namespace domimpl {
 
 bool IsReadOnly(const xercesc::DOMNode& node);
 
+// Whether a tree, an element or a map owns the node: the DOM then refuses to
+// release it.
+bool IsOwned(const xercesc::DOMNode& node);
+
+// Takes an ID attribute out of its document's index of IDs, where the DOM leaves it
+// when it releases the element.
+void RemoveFromIndex(xercesc::DOMAttr& attribute);
+
 // Setting an item that a map holds already leaves it in the map but marked as
 // free; this marks it as the holder's again.
 void Reclaim(xercesc::DOMNode& item, xercesc::DOMNode& holder);

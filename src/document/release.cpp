@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "document/depth.h"
+#include "document/domimpl.h"
 #include "document/xercesdom.h"
 #include "registry/globals.h"
 #include "registry/nodetree.h"
@@ -49,9 +51,22 @@ void CDoomedNodes::Withdraw() {
   g_NodeDomMap.Delete(m_Nodes);
 }
 
+void CDoomedNodes::RemoveFromIndex() const {
+  for (DOMNode* pNode : m_Nodes) {
+    if (pNode->getNodeType() != DOMNode::ATTRIBUTE_NODE) continue;
+    auto& attribute = static_cast<xercesc::DOMAttr&>(*pNode);
+    if (attribute.isId()) domimpl::RemoveFromIndex(attribute);
+  }
+}
+
 void ReleaseNode(DOMNode* pNode) {
+  if (domimpl::IsOwned(*pNode)) {
+    pNode->release();  // throws, and nothing has changed
+    return;
+  }
   CDoomedNodes doomed = CDoomedNodes::Whole(pNode);
-  pNode->release();
+  doomed.RemoveFromIndex();
+  depth::Release(*pNode);
   g_NodeSessMap.Forget(pNode);
   doomed.Withdraw();
 }

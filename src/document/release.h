@@ -19,6 +19,9 @@ class CDoomedNodes {
   // The children of the node, with all below them.
   static CDoomedNodes Below(xercesc::DOMNode* pNode);
 
+  // Takes the ID attributes out of the document's index.
+  void RemoveFromIndex() const;
+
   // Takes back their ids, erases their map entries and forgets their collections.
   void Withdraw();
 

@@ -1,6 +1,7 @@
 #include <tessel/io.h>
 #include <tessel/status.h>
 
+#include "document/depth.h"
 #include "document/find.h"
 #include "document/release.h"
 #include "io/parse.h"
@@ -19,6 +20,7 @@ constexpr CParseTexts kTexts{"SAXParseException caught while seting element XML.
 // Puts a copy of the parsed root in the element's place; the id moves with it.
 void ReplaceElement(TSXRefId id, DOMElement& element, DOMNode& parent, DOMElement* pParsedRoot) {
   DOMNode* pDetached = pParsedRoot->getOwnerDocument()->removeChild(pParsedRoot);
+  depth::RequireRoom(*pDetached, depth::kImportLevel);
   CDOMOwner<DOMNode> imported(element.getOwnerDocument()->importNode(pDetached, true));
   parent.replaceChild(imported.get(), &element);
   g_NodeSessMap.ResetPtr(imported.release(), id);

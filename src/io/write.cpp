@@ -5,6 +5,7 @@
 #include <xercesc/dom/DOMImplementationRegistry.hpp>
 #include <xercesc/framework/MemBufFormatTarget.hpp>
 
+#include "document/depth.h"
 #include "document/find.h"
 #include "host/guards.h"
 #include "io/domwriter.h"
@@ -42,6 +43,7 @@ TSXStatus WriteToString(DOMNode* pNode, CDOMWriter& writer, HStr* pOut) {
   bool written = false;
   const TSXStatus status = Always<domErrSerialize>::Run([&] {
     if (const DOMDocument* pDoc = DocumentOf(pNode)) writer.SetEncoding(GetDocumentEncoding(*pDoc));
+    depth::RequireRoom(*pNode, depth::kWriteLevel);
     written = writer.WriteNode(target, *pNode);
   });
   if (status != 0) return status;
@@ -55,6 +57,7 @@ TSXStatus WriteToFile(CXercesDOM& dom, CDOMWriter& writer, const char* pPath, HS
   writer.SetEncoding(GetDocumentEncoding(*dom.m_pDoc));
   writer.SetErrorHandler(dom.m_pErrorReporter);
   dom.m_pErrorReporter->setDOMEHCode(0);
+  depth::RequireRoom(*dom.DocumentNode(), depth::kWriteLevel);
   CFileTarget target(pPath);
   written = writer.WriteNode(target, *dom.DocumentNode());
   target.Close();

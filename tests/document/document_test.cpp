@@ -113,6 +113,27 @@ TEST_F(Document, NodeCloseFreesOnlyWhatNoTreeOwns) {
   EXPECT_EQ(doc.Xml().find("<r><a/></r>") == std::string::npos, false);
 }
 
+// The DOM leaves the ID attributes of a released element in its index of IDs.
+TEST_F(Document, ReleasedElementsAreNotFoundByTheirId) {
+  for (const char* pNamespaces : {"", " xmlns='u'"}) {
+    const uint8_t on = *pNamespaces != 0;
+    CDoc doc;
+    ASSERT_EQ(TSXSetDoNamespaces(doc.Id(), 0, &on), 0);
+    ASSERT_EQ(support::Load(doc.Id(), std::string("<!DOCTYPE r [<!ATTLIST a id ID #IMPLIED>]><r") +
+                                          pNamespaces + "><a id='x'/><z/></r>"),
+              0);
+    const TSXRefId root = doc.Root();
+    const TSXRefId a = support::FirstChild(root);
+    CText id("x");
+    EXPECT_EQ(IdOf(TSXGetElementById, doc.Id(), &id), a);
+    TSXNodeClose(a);
+    EXPECT_EQ(TSXRemoveChild(root, a), 0);
+    const TSXRefId next = support::Create(doc.Id(), "next");  // at the old address
+    EXPECT_EQ(support::SetAttribute(next, "k", "x"), 0);
+    EXPECT_EQ(IdOf(TSXGetElementById, doc.Id(), &id), 0u);
+  }
+}
+
 TEST_F(Document, CloseOfAnOrdinaryNodeAsDocumentFreesNothing) {
   CDoc doc;
   const TSXRefId loose = support::Create(doc.Id(), "loose");
