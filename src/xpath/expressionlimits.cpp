@@ -1,2 +1,36 @@
 #include "xpath/expressionlimits.h"
-void CheckExpression(const XMLCh*) {}
+
+#include <tessel/status.h>
+
+#include <string>
+
+#include "xpath/expressionlexer.h"
+#include "xpath/xpathmanager.h"
+
+namespace {
+
+[[noreturn]] void Refuse(const char* pWhat, int most) {
+  const std::string text =
+      "The expression has " + std::string(pWhat) + "; the limit is " + std::to_string(most) + ".";
+  throw KelXPathException(domErrXPathParse, std::u16string(text.begin(), text.end()));
+}
+
+}  // namespace
+
+void CheckExpression(const XMLCh* pExpression) {
+  int nested = 0;
+  int operators = 0;
+  for (CExpressionLexer lexer(pExpression); !lexer.AtEnd();) {
+    const CToken token = lexer.Next();
+    if (token.m_kind == EToken::kOperator && ++operators > kMostOperators) {
+      Refuse("too many operators", kMostOperators);
+    }
+    if (token.m_kind == EToken::kNumber && token.m_text.size() > kMostDigits) {
+      Refuse("a number with too many digits", kMostDigits);
+    }
+    if (token.Is(u")") || token.Is(u"]")) --nested;
+    if ((token.Is(u"(") || token.Is(u"[")) && ++nested > kMostNested) {
+      Refuse("too many nested brackets", kMostNested);
+    }
+  }
+}

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr std::uintptr_t kReserve = 64 * 1024;     // for the way out: bytes
+constexpr std::uintptr_t kReserve = 64 * 1024;       // for the way out: bytes
 constexpr std::uintptr_t kUnknownStack = 96 * 1024;  // on a stack that is not the thread's: bytes
 
 struct CStack {
@@ -42,7 +42,6 @@ CStackGuard::CStackGuard() {
 void CStackGuard::Fail() {
   xercesc::MemoryManager& memory = *xercesc::XMLPlatformUtils::fgMemoryManager;
   throw xalanc::XalanXPathException(
-      xalanc::XalanDOMString("The tree is too deep to be evaluated on this thread's stack.",
-                             memory),
+      xalanc::XalanDOMString("The evaluation goes too deep for this thread's stack.", memory),
       memory);
 }

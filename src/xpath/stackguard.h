@@ -3,9 +3,9 @@
 
 #include <cstdint>
 
-// What a recursion may still use of the calling thread's stack. Xalan-C collects
-// the text of an element by recursion, so the depth of a tree is bounded by the
-// stack of the thread that evaluates.
+// What a recursion may still use of the calling thread's stack. Xalan-C goes along
+// the steps of a path and down the text of an element by recursion, so the length
+// of the one and the depth of the other are bounded by the evaluating thread.
 class CStackGuard {
  public:
   CStackGuard();

@@ -30,6 +30,7 @@ class CXalanLibrary {
   };
 
   CXercesReference m_xerces;
+  bool m_tablesAreOurs;
   std::unique_ptr<xercesc::MemoryManager> m_pMemory;
   std::unique_ptr<xalanc::XPathInit> m_pTables;
 };

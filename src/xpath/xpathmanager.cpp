@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <limits>
 #include <xalanc/XPath/XObject.hpp>
-#include <xalanc/XPath/XPath.hpp>
 #include <xalanc/XPath/XPathProcessorImpl.hpp>
 
+#include "xpath/expressionform.h"
 #include "xpath/expressionlimits.h"
 #include "xpath/xalanlibrary.h"
 
@@ -65,8 +65,13 @@ std::vector<xercesc::DOMNode*> XPathManager::EvaluateFirst(const XMLCh* pExpress
 
 std::vector<xercesc::DOMNode*> XPathManager::Select(const XMLCh* pExpression, std::size_t most) {
   CheckExpression(pExpression);
-  const CCompiled compiled(pExpression, m_scope);
-  const xalanc::XObjectPtr result =
-      compiled.Get().execute(&m_tree.Context(), m_scope, m_execution);
+  const CCompiled asWritten(pExpression, m_scope);  // errors are about the host's own text
+  const auto rewritten = CExpressionForm(pExpression).Rewritten();
+  if (!rewritten) return Execute(asWritten.Get(), most);
+  return Execute(CCompiled(rewritten->c_str(), m_scope).Get(), most);
+}
+
+std::vector<xercesc::DOMNode*> XPathManager::Execute(const xalanc::XPath& xpath, std::size_t most) {
+  const xalanc::XObjectPtr result = xpath.execute(&m_tree.Context(), m_scope, m_execution);
   return Unwrap(result->nodeset(), most);
 }

@@ -6,11 +6,12 @@
 #include <string>
 #include <vector>
 #include <xalanc/DOMSupport/DOMSupport.hpp>
-#include <xalanc/XPath/XObjectFactoryDefault.hpp>
+#include <xalanc/XPath/XPath.hpp>
 #include <xalanc/XPath/XPathExecutionContextDefault.hpp>
 #include <xercesc/dom/DOMNode.hpp>
 
 #include "xpath/namespacescope.h"
+#include "xpath/numberguard.h"
 #include "xpath/silentcontexts.h"
 #include "xpath/xpathtree.h"
 
@@ -34,8 +35,8 @@ class CXPathOrder final : public xalanc::DOMSupport {
   explicit CXPathOrder(CXPathTree& tree) : m_tree(tree) {}
 
   void reset() override {}
-  const xalanc::XalanDOMString& getUnparsedEntityURI(
-      const xalanc::XalanDOMString&, const xalanc::XalanDocument&) const override {
+  const xalanc::XalanDOMString& getUnparsedEntityURI(const xalanc::XalanDOMString&,
+                                                     const xalanc::XalanDocument&) const override {
     return m_none;
   }
   bool isNodeAfter(const xalanc::XalanNode& node, const xalanc::XalanNode& other) const override {
@@ -64,11 +65,12 @@ class XPathManager {
 
  private:
   std::vector<xercesc::DOMNode*> Select(const XMLCh* pExpression, std::size_t most);
+  std::vector<xercesc::DOMNode*> Execute(const xalanc::XPath& xpath, std::size_t most);
 
   CXPathTree m_tree;
   CXPathOrder m_order;
   CNamespaceScope m_scope;
   CSilentEnvironment m_environment;
-  xalanc::XObjectFactoryDefault m_factory;
+  CNumberGuard m_factory;
   xalanc::XPathExecutionContextDefault m_execution;
 };

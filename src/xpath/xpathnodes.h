@@ -28,7 +28,11 @@ class CNodeOf : public Base {
     return Name(&xercesc::DOMNode::getNodeName);
   }
   const xalanc::XalanDOMString& getNodeValue() const override { return m_wrapped.Value(); }
-  NodeType getNodeType() const override { return m_wrapped.Type(); }
+  // Asked at every step of every recursion of Xalan-C over nodes.
+  NodeType getNodeType() const override {
+    m_wrapped.Tree().CheckStack();
+    return m_wrapped.Type();
+  }
   xalanc::XalanNode* getParentNode() const override { return m_wrapped.Parent(); }
   const xalanc::XalanNodeList* getChildNodes() const override {
     throw xalanc::XalanDOMException(xalanc::XalanDOMException::NOT_SUPPORTED_ERR);

@@ -12,13 +12,17 @@ namespace {
 
 DOMNode* TopOf(DOMNode& node) {
   DOMNode* pTop = &node;
-  for (DOMNode* pUp = pTop; pUp != nullptr; pUp = DomParent(*pUp)) pTop = pUp;
+  while (DOMNode* pUp = DomParent(*pTop)) {
+    pTop = pUp;
+    if (pTop->getNodeType() == DOMNode::ATTRIBUTE_NODE) break;
+  }
   return pTop;
 }
 
-bool StandsAtRoot(const DOMNode& node) {
-  const DOMNode::NodeType type = node.getNodeType();
-  return type == DOMNode::DOCUMENT_NODE || type == DOMNode::DOCUMENT_FRAGMENT_NODE;
+bool StandsAtRoot(const DOMNode& top, const DOMNode& context) {
+  const DOMNode::NodeType type = top.getNodeType();
+  return type == DOMNode::DOCUMENT_NODE || type == DOMNode::DOCUMENT_FRAGMENT_NODE ||
+         (type == DOMNode::ATTRIBUTE_NODE && &top != &context);
 }
 
 bool IsAttributeAfter(const DOMNode& attribute, const DOMNode& other) {
@@ -61,7 +65,6 @@ XalanNode* CWrapped::Parent() {
 }
 
 XalanNode* CWrapped::FirstChild() {
-  m_tree.CheckStack();
   if (!m_knowsFirstChild) {
     m_knowsFirstChild = true;
     if (HasNodesBelow()) m_pFirstChild = m_tree.Wrap(m_pNode->getFirstChild());
@@ -95,11 +98,8 @@ const xalanc::XalanDOMString& CWrapped::Value() {
 // -- CXPathTree ------------------------------------------------------------------
 
 CXPathTree::CXPathTree(DOMNode& context) : m_pTop(TopOf(context)) {
-  MakeRoot();
+  MakeRoot(StandsAtRoot(*m_pTop, context));
   m_pContext = Wrap(&context);
-  for (DOMNode* pUp = DomParent(context); pUp != nullptr; pUp = DomParent(*pUp)) {
-    if (pUp->getNodeType() == DOMNode::ATTRIBUTE_NODE) m_pAttributeAbove = pUp;
-  }
 }
 
 template <class Node>
@@ -108,13 +108,13 @@ Node* CXPathTree::Make(DOMNode* pNode, XalanNode::NodeType type) {
   return ::new (pMemory) Node(CWrapped(*this, pNode, type));
 }
 
-void CXPathTree::MakeRoot() {
+void CXPathTree::MakeRoot(bool standsForItself) {
   CElementNode* pNoElement = Make<CElementNode>(nullptr, XalanNode::ELEMENT_NODE);
   pNoElement->Wrapped().Link(nullptr, nullptr);
   m_pNoElement = pNoElement;
 
-  const bool standsForItself = StandsAtRoot(*m_pTop);
   CRootNode* pRoot = Make<CRootNode>(standsForItself ? m_pTop : nullptr, XalanNode::DOCUMENT_NODE);
+  pRoot->Wrapped().m_knowsParent = true;  // there is nothing above the tree
   m_pRoot = pRoot;
   if (standsForItself) {
     m_nodes[m_pTop] = pRoot;
@@ -155,10 +155,9 @@ XalanNode* CXPathTree::MakeNode(DOMNode& node) {
 DOMNode* CXPathTree::Unwrap(const XalanNode& node) { return WrappedOf(node).Node(); }
 
 XalanNode* CXPathTree::FindById(const XMLCh* pId) {
-  const xercesc::DOMDocument* pDocument =
-      m_pTop->getNodeType() == DOMNode::DOCUMENT_NODE
-          ? static_cast<const xercesc::DOMDocument*>(m_pTop)
-          : m_pTop->getOwnerDocument();
+  const xercesc::DOMDocument* pDocument = m_pTop->getNodeType() == DOMNode::DOCUMENT_NODE
+                                              ? static_cast<const xercesc::DOMDocument*>(m_pTop)
+                                              : m_pTop->getOwnerDocument();
   if (pDocument == nullptr) return nullptr;
   DOMNode* pElement = pDocument->getElementById(pId);
   return pElement != nullptr && TopOf(*pElement) == m_pTop ? Wrap(pElement) : nullptr;
@@ -203,16 +202,9 @@ void CXPathTree::NumberNode(const XalanNode& node) {
   const xalanc::XalanNamedNodeMap* pAttributes = node.getAttributes();
   if (pAttributes == nullptr) return;
   const xalanc::XalanSize_t count = pAttributes->getLength();
-  for (xalanc::XalanSize_t i = 0; i < count; ++i) NumberAttribute(*pAttributes->item(i));
-}
-
-void CXPathTree::NumberAttribute(const XalanNode& attribute) {
-  CWrapped& wrapped = WrappedOf(attribute);
-  wrapped.m_index = ++m_lastIndex;
-  if (wrapped.Node() != m_pAttributeAbove) return;
-  // The nodes in it are in the game, though it does not show them as children.
-  XalanNode* pNode = Wrap(wrapped.Node()->getFirstChild());
-  for (; pNode != nullptr; pNode = NextInOrder(*pNode)) NumberNode(*pNode);
+  for (xalanc::XalanSize_t i = 0; i < count; ++i) {
+    WrappedOf(*pAttributes->item(i)).m_index = ++m_lastIndex;
+  }
 }
 
 bool CXPathTree::Pass(long nodes) {

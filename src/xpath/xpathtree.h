@@ -7,10 +7,11 @@
 //
 // What stands at the root:
 //   - a document or a fragment stands for itself;
+//   - for the nodes inside an attribute it is the attribute that stands there;
 //   - above any other top there is a root that stands for no node, so that "/"
 //     selects nothing and "/x" or "//x" search the tree;
 //   - above a loose attribute there is also an element that stands for no node.
-// The top itself has no parent in the last two cases. Attributes have no children.
+// The top itself has no parent in the last two cases. Elsewhere attributes have no children.
 //
 // Order: two nodes are compared by their way up and along the DOM, and only when
 // that has cost too much are all nodes wrapped and numbered, once.
@@ -105,10 +106,9 @@ class CXPathTree {
   template <class Node>
   Node* Make(xercesc::DOMNode* pNode, xalanc::XalanNode::NodeType type);
   xalanc::XalanNode* MakeNode(xercesc::DOMNode& node);
-  void MakeRoot();
+  void MakeRoot(bool standsForItself);
   void NumberAll();
   void NumberNode(const xalanc::XalanNode& node);
-  void NumberAttribute(const xalanc::XalanNode& attribute);
   bool Pass(long nodes);
   bool IsAfterByWay(const xercesc::DOMNode& node, const xercesc::DOMNode& other);
   bool IsAfterBeside(const xercesc::DOMNode& node, const xercesc::DOMNode& other);
@@ -124,7 +124,6 @@ class CXPathTree {
   xalanc::XalanDocument* m_pRoot = nullptr;
   xalanc::XalanElement* m_pNoElement = nullptr;  // stands for no node
   xalanc::XalanNode* m_pContext = nullptr;
-  xercesc::DOMNode* m_pAttributeAbove = nullptr;  // where the context is text in an attribute
   xalanc::XalanNode::IndexType m_lastIndex = 0;
   int m_asks = 0;
   long m_steps = 0;

@@ -1,0 +1,162 @@
+// The form of an expression that Xalan-C gets to evaluate.
+#pragma once
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "xpath/expressionlexer.h"
+
+// Rewrites an expression that has been found correct, without changing its value:
+//
+// - "//x" becomes "/descendant::x". The one is short for a step to every node and
+//   another to the children of each, whose results Xalan-C merges one by one; the
+//   other gives the same nodes in one go, unless a predicate counts or the step has
+//   an axis of its own.
+// - A calculated argument of string, string-length and concat goes through
+//   translate, as those three turn numbers into text past CNumberGuard.
+// - A calculated right side of "mod" loses its sign, which means nothing: Xalan-C
+//   divides integers, and the smallest one by -1 ends the process.
+class CExpressionForm {
+ public:
+  explicit CExpressionForm(std::u16string_view text) : m_text(text) {
+    for (CExpressionLexer lexer(text); !lexer.AtEnd();) m_pieces.push_back({lexer.Next()});
+    for (std::size_t i = 0; i < m_pieces.size(); ++i) {
+      TakeDescendants(i);
+      TakeTextFunction(i);
+      TakeModulus(i);
+    }
+  }
+
+  // Nothing where the expression can stay as it is.
+  std::optional<std::u16string> Rewritten() const {
+    if (!m_isChanged) return std::nullopt;
+    std::u16string result;
+    std::size_t done = 0;
+    for (const CPiece& piece : m_pieces) {
+      const auto offset = static_cast<std::size_t>(piece.m_token.m_text.data() - m_text.data());
+      result.append(m_text, done, offset - done);
+      done = offset + piece.m_token.m_text.size();
+      result.append(piece.m_before).append(piece.m_token.m_text.substr(piece.m_cut));
+      result.append(piece.m_after);
+    }
+    return result;
+  }
+
+ private:
+  struct CPiece {
+    CToken m_token;
+    std::size_t m_cut = 0;  // units of the token that are left out
+    std::u16string m_before = {};
+    std::u16string m_after = {};
+  };
+
+  bool Is(std::size_t i, std::u16string_view text) const {
+    return i < m_pieces.size() && m_pieces[i].m_token.Is(text);
+  }
+  bool IsKind(std::size_t i, EToken kind) const {
+    return i < m_pieces.size() && m_pieces[i].m_token.m_kind == kind;
+  }
+  bool IsOneOf(std::size_t i, std::initializer_list<std::u16string_view> texts) const {
+    return std::ranges::any_of(texts, [&](auto text) { return Is(i, text); });
+  }
+  bool IsCall(std::size_t i, std::initializer_list<std::u16string_view> names) const {
+    return IsKind(i, EToken::kName) && Is(i + 1, u"(") && IsOneOf(i, names);
+  }
+
+  // The first token from `i` on, outside brackets opened there, that ends an
+  // argument, or an operand if operators end it too.
+  std::size_t EndFrom(std::size_t i, bool atOperator) const {
+    for (int nested = 0; i < m_pieces.size(); ++i) {
+      if (nested == 0 && IsOneOf(i, {u")", u"]", u","})) break;
+      if (nested == 0 && atOperator && IsKind(i, EToken::kOperator)) break;
+      if (IsOneOf(i, {u"(", u"["})) ++nested;
+      if (IsOneOf(i, {u")", u"]"})) --nested;
+    }
+    return i;
+  }
+
+  // Puts a call around the tokens. Of two that begin or end together, the one that
+  // comes first is the outer one.
+  void Wrap(std::size_t first, std::size_t end, std::u16string_view open,
+            std::u16string_view close) {
+    m_pieces[first].m_before += open;
+    m_pieces[end - 1].m_after.insert(0, close);
+    m_isChanged = true;
+  }
+
+  void TakeDescendants(std::size_t i) {
+    if (!Is(i, u"/") || !Is(i + 1, u"/") || !IsPlainStep(i + 2)) return;
+    m_pieces[i + 1].m_cut = 1;
+    m_pieces[i + 1].m_after = u"descendant::";
+    m_isChanged = true;
+  }
+
+  // A node test on the child axis, and predicates that do not count.
+  bool IsPlainStep(std::size_t i) const {
+    if (IsKind(i, EToken::kName)) {
+      const std::u16string_view name = m_pieces[i].m_token.m_text;
+      if (name.find(u"::") != name.npos || Is(i + 1, u"::")) return false;
+      if (name.ends_with(u':')) ++i;
+    } else if (!Is(i, u"*")) {
+      return false;
+    }
+    ++i;
+    if (Is(i, u"(")) i = EndFrom(i + 1, false) + 1;
+    while (Is(i, u"[")) {
+      const std::size_t end = EndFrom(i + 1, false);
+      if (!IsCountless(i + 1, end)) return false;
+      i = end + 1;
+    }
+    return true;
+  }
+
+  // Whether the tokens of a predicate surely make a truth value, and without
+  // position() or last(): paths, literals, comparisons and their connections.
+  bool IsCountless(std::size_t i, std::size_t end) const {
+    bool hasNumber = false;
+    bool hasTruth = false;
+    for (; i < end; ++i) {
+      if (IsOneOf(i, {u"(", u"[", u"$"})) return false;
+      if (IsKind(i, EToken::kOperator)) {
+        if (!IsOneOf(i, {u"=", u"!=", u"<", u"<=", u">", u">=", u"or", u"and"})) return false;
+        hasTruth = true;
+      }
+      hasNumber = hasNumber || IsKind(i, EToken::kNumber);
+    }
+    return hasTruth || !hasNumber;
+  }
+
+  void TakeTextFunction(std::size_t i) {
+    if (!IsCall(i, {u"string", u"string-length", u"concat"})) return;
+    std::size_t end = i + 1;
+    do {
+      const std::size_t first = end + 1;
+      end = EndFrom(first, false);
+      if (IsCalculated(first, end)) Wrap(first, end, u"translate(", u",'','')");
+    } while (Is(end, u","));
+  }
+
+  bool IsCalculated(std::size_t i, std::size_t end) const {
+    if (Is(i, u"(") || IsCall(i, {u"number", u"sum", u"floor", u"ceiling", u"round"})) return true;
+    while ((i = EndFrom(i, true)) < end) {
+      if (IsOneOf(i, {u"+", u"-", u"*", u"div", u"mod"})) return true;
+      ++i;
+    }
+    return false;
+  }
+
+  void TakeModulus(std::size_t i) {
+    if (!IsKind(i, EToken::kOperator) || !Is(i, u"mod") || IsKind(i + 1, EToken::kNumber)) return;
+    std::size_t end = i + 1;
+    while (Is(end, u"-")) ++end;
+    end = EndFrom(end, true);
+    if (end > i + 1) Wrap(i + 1, end, u"translate(", u",'-','')");
+  }
+
+  std::u16string_view m_text;
+  std::vector<CPiece> m_pieces;
+  bool m_isChanged = false;
+};

@@ -1,0 +1,596 @@
+// XPath on plain DOM nodes, below the ids: what is selected, in which order, and
+// how it fails.
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <new>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+#include <xalanc/XalanDOM/XalanDOMException.hpp>
+#include <xercesc/dom/DOM.hpp>
+#include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/parsers/XercesDOMParser.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+
+#include "xpath/expressionlimits.h"
+#include "xpath/xpathguard.h"
+#include "xpath/xpathmanager.h"
+
+namespace {
+
+using xercesc::DOMDocument;
+using xercesc::DOMElement;
+using xercesc::DOMNode;
+
+struct CXerces {
+  CXerces() { xercesc::XMLPlatformUtils::Initialize(); }
+  ~CXerces() { xercesc::XMLPlatformUtils::Terminate(); }
+} g_xerces;
+
+std::u16string Wide(std::string_view ascii) { return {ascii.begin(), ascii.end()}; }
+
+std::string Narrow(const XMLCh* pText) {
+  const std::u16string_view text = pText == nullptr ? std::u16string_view() : pText;
+  return {text.begin(), text.end()};
+}
+
+struct CRelease {
+  void operator()(DOMNode* pNode) const { pNode->release(); }
+};
+using CDocument = std::unique_ptr<DOMDocument, CRelease>;
+
+CDocument Parse(std::string_view text, bool namespaces = true) {
+  xercesc::XercesDOMParser parser;
+  parser.setDoNamespaces(namespaces);
+  parser.setCreateEntityReferenceNodes(true);
+  parser.parse(xercesc::MemBufInputSource(reinterpret_cast<const XMLByte*>(text.data()),
+                                          text.size(), "test"));
+  return CDocument(parser.adoptDocument());
+}
+
+CDocument NewDocument() {
+  return CDocument(xercesc::DOMImplementation::getImplementation()->createDocument());
+}
+
+// A node as the tables write it.
+std::string Label(const DOMNode& node) {
+  const std::string name = Narrow(node.getNodeName());
+  const std::string value = Narrow(node.getNodeValue());
+  switch (node.getNodeType()) {
+    case DOMNode::ATTRIBUTE_NODE:
+      return "@" + name + "=" + value;
+    case DOMNode::TEXT_NODE:
+      return "'" + value + "'";
+    case DOMNode::CDATA_SECTION_NODE:
+      return "[" + value + "]";
+    case DOMNode::ENTITY_REFERENCE_NODE:
+      return "&" + name;
+    case DOMNode::PROCESSING_INSTRUCTION_NODE:
+      return "?" + name;
+    case DOMNode::COMMENT_NODE:
+      return "!" + value;
+    case DOMNode::DOCUMENT_TYPE_NODE:
+      return "type:" + name;
+    default:
+      return name;
+  }
+}
+
+struct CAnswer {
+  TSXStatus m_Status;
+  std::u16string m_Message;
+  std::vector<DOMNode*> m_Nodes;
+};
+
+CAnswer Ask(DOMNode* pContext, const std::u16string& expression) {
+  CAnswer answer{};
+  answer.m_Status =
+      RunXPath([&] { answer.m_Nodes = XPathManager(pContext).Evaluate(expression.c_str()); },
+               answer.m_Message);
+  return answer;
+}
+
+// The labels of all selected nodes, or the status of a failure.
+std::string Select(DOMNode* pContext, std::string_view expression) {
+  const CAnswer answer = Ask(pContext, Wide(expression));
+  if (answer.m_Status != 0) return std::to_string(answer.m_Status);
+  std::string labels;
+  for (const DOMNode* pNode : answer.m_Nodes) {
+    if (!labels.empty()) labels += ' ';
+    labels += Label(*pNode);
+  }
+  return labels;
+}
+
+struct CRow {
+  const char* m_pContext;
+  const char* m_pExpression;
+  const char* m_pSelected;
+};
+
+using CContexts = std::map<std::string, DOMNode*>;
+
+void ExpectRows(const CContexts& contexts, const std::vector<CRow>& rows) {
+  for (const CRow& row : rows) {
+    EXPECT_EQ(row.m_pSelected, Select(contexts.at(row.m_pContext), row.m_pExpression))
+        << row.m_pExpression << " at " << row.m_pContext;
+  }
+}
+
+// Runs on a thread with a stack of the given size.
+void RunOnStack(std::size_t bytes, std::function<void()> call) {
+  pthread_attr_t attributes;
+  ASSERT_EQ(0, pthread_attr_init(&attributes));
+  ASSERT_EQ(0, pthread_attr_setstacksize(&attributes, bytes));
+  pthread_t thread;
+  const auto start = [](void* pCall) -> void* {
+    (*static_cast<std::function<void()>*>(pCall))();
+    return nullptr;
+  };
+  ASSERT_EQ(0, pthread_create(&thread, &attributes, start, &call));
+  pthread_join(thread, nullptr);
+  pthread_attr_destroy(&attributes);
+}
+
+constexpr std::size_t kSmallStack = 256 * 1024;
+
+std::string Repeat(std::string_view text, int count) {
+  std::string result;
+  for (int i = 0; i < count; ++i) result += text;
+  return result;
+}
+
+constexpr const char* kAllKinds =
+    "<!DOCTYPE s [<!ENTITY e 'in<i/>'><!NOTATION n SYSTEM 'n'>"
+    "<!ATTLIST a id ID #IMPLIED k CDATA 'dflt'>]>"
+    "<?pre x?><!--head-->"
+    "<s><a id='A' p='1'>t<b><c q='2'/></b><![CDATA[cd]]>u</a>"
+    "<!--mid--><?mid y?>"
+    "<a id='B' xml:lang='en'>&e;<b>v</b></a><d/></s><!--tail-->";
+
+class XPathAllKinds : public testing::Test {
+ protected:
+  XPathAllKinds() {
+    DOMNode* pRoot = m_Document->getDocumentElement();
+    DOMNode* pA = m_Document->getElementById(u"A");
+    DOMNode* pB = m_Document->getElementById(u"B");
+    DOMNode* pC = pA->getChildNodes()->item(1)->getFirstChild();
+    m_At = {{"doc", m_Document.get()},
+            {"type", m_Document->getDoctype()},
+            {"s", pRoot},
+            {"A", pA},
+            {"c", pC},
+            {"q", pC->getAttributes()->item(0)},
+            {"t", pA->getFirstChild()},
+            {"cd", pA->getChildNodes()->item(2)},
+            {"mid", pA->getNextSibling()},
+            {"?mid", pA->getNextSibling()->getNextSibling()},
+            {"B", pB},
+            {"&e", pB->getFirstChild()},
+            {"i", pB->getFirstChild()->getLastChild()},
+            {"d", pRoot->getLastChild()}};
+  }
+
+  CDocument m_Document = Parse(kAllKinds);
+  CContexts m_At;
+};
+
+TEST_F(XPathAllKinds, EveryAxisInDocumentOrder) {
+  ExpectRows(m_At, {
+                       {"c", "self::node()", "c"},
+                       {"c", "self::b", ""},
+                       {"A", "child::node()", "'t' b [cd] 'u'"},
+                       {"doc", "child::node()", "type:s ?pre !head s !tail"},
+                       {"A", "descendant::node()", "'t' b c [cd] 'u'"},
+                       {"s", "descendant-or-self::*", "s a b c a i b d"},
+                       {"c", "parent::node()", "b"},
+                       {"s", "..", "#document"},
+                       {"doc", "..", ""},
+                       {"q", "..", "c"},
+                       {"q", "ancestor::node()", "#document s a b c"},
+                       {"c", "ancestor-or-self::*", "s a b c"},
+                       {"c", "ancestor::*[1]", "b"},
+                       {"i", "ancestor::node()", "#document s a &e"},
+                       {"mid", "following-sibling::node()", "?mid a d"},
+                       {"?mid", "preceding-sibling::node()", "a !mid"},
+                       {"?mid", "preceding-sibling::node()[1]", "!mid"},
+                       {"cd", "preceding-sibling::node()", "'t' b"},
+                       {"q", "following-sibling::node()", ""},
+                       {"c", "following::node()", "[cd] 'u' !mid ?mid a &e 'in' i b 'v' d !tail"},
+                       {"q", "following::*", "a i b d"},
+                       {"B", "preceding::node()", "type:s ?pre !head a 't' b c [cd] 'u' !mid ?mid"},
+                       {"d", "preceding::*[1]", "b"},
+                       {"A", "attribute::*", "@id=A @k=dflt @p=1"},
+                       {"B", "@xml:lang", "@xml:lang=en"},
+                       {"A", "namespace::*", ""},
+                       {"type", "following-sibling::*", "s"},
+                       {"type", "node()", ""},
+                   });
+}
+
+TEST_F(XPathAllKinds, PathsPredicatesAndFunctions) {
+  ExpectRows(m_At, {
+                       {"t", "/", "#document"},
+                       {"t", "(/) | ..", "#document a"},
+                       {"t", "/s/a/@id", "@id=A @id=B"},
+                       {"q", "//b", "b b"},
+                       {"doc", "//comment()", "!head !mid !tail"},
+                       {"doc", "//processing-instruction('mid')", "?mid"},
+                       {"doc", "//@*[. = '2']/..", "c"},
+                       {"doc", "//a[2]/b | //a[1]/b | //b", "b b"},
+                       {"c", "//d | @q | .. | . | /", "#document b c @q=2 d"},
+                       {"doc", "(//b)[last()]/text()", "'v'"},
+                       {"doc", "//a[b/c]/@p", "@p=1"},
+                       {"doc", "//*[@q > 1 and not(*)]", "c"},
+                       {"doc", "//*[position() = 2]", "a"},
+                       {"doc", "id('B A C')/@id", "@id=A @id=B"},
+                       {"doc", "//*[lang('en')]", "a i b"},
+                       {"doc", "//a[starts-with(., 't')]/@id", "@id=A"},
+                       {"doc", "//*[local-name() = 'd' or name() = 'i']", "i d"},
+                       {"s", "a[count(node()) = last() * 2]/@id", "@id=A"},
+                       {"q", ".", "@q=2"},
+                       {"q", "node()", ""},
+                   });
+}
+
+TEST_F(XPathAllKinds, EntityReferencesAndSectionsAreNotSeenThrough) {
+  ExpectRows(m_At, {
+                       {"B", "text()", ""},
+                       {"B", "string()", "-2769"},
+                       {"doc", "//a[. = 'v']/@id", "@id=B"},
+                       {"doc", "//text()", "'t' 'u' 'in' 'v'"},
+                       {"&e", "node()", "'in' i"},
+                       {"A", "text()", "'t' 'u'"},
+                       {"A", "self::*[. = 'tcdu']/@id", "@id=A"},
+                   });
+}
+
+TEST_F(XPathAllKinds, NodesOutsideTheTreeHaveTreesOfTheirOwn) {
+  DOMNode* pEntity = m_Document->getDoctype()->getEntities()->item(0);
+  DOMNode* pInAttribute = m_Document->getElementById(u"A")->getAttributeNode(u"p")->getFirstChild();
+  ExpectRows({{"entity", pEntity},
+              {"notation", m_Document->getDoctype()->getNotations()->item(0)},
+              {"value", pInAttribute}},
+             {
+                 {"entity", "node() | . | .. | following::node() | preceding::node()", "e 'in' i"},
+                 {"entity", "//i", "i"},
+                 {"notation", ". | //node() | ancestor::node()", "n"},
+                 {"value", "..", "@p=1"},
+                 {"value", ". | ancestor::node() | preceding::node() | /", "@p=1 '1'"},
+             });
+}
+
+class XPathDetached : public testing::Test {
+ protected:
+  XPathDetached() {
+    DOMElement* pTop = Element("top");
+    pTop->setAttribute(u"x", u"1");
+    DOMNode* pOne = pTop->appendChild(Element("one"));
+    pOne->appendChild(m_Document->createTextNode(u"T"));
+    DOMNode* pTwo = pTop->appendChild(Element("two"));
+    DOMNode* pFragment = m_Document->createDocumentFragment();
+    DOMNode* pLeft = pFragment->appendChild(Element("left"));
+    pFragment->appendChild(Element("right"));
+    xercesc::DOMAttr* pLoose = m_Document->createAttribute(u"loose");
+    pLoose->setValue(u"v");
+    m_At = {{"top", pTop},
+            {"one", pOne},
+            {"two", pTwo},
+            {"x", pTop->getAttributeNode(u"x")},
+            {"frag", pFragment},
+            {"left", pLeft},
+            {"loose", pLoose},
+            {"value", pLoose->getFirstChild()},
+            {"text", m_Document->createTextNode(u"alone")}};
+  }
+
+  DOMElement* Element(const char* pName) { return m_Document->createElement(Wide(pName).c_str()); }
+
+  CDocument m_Document = Parse("<real><one/></real>");
+  CContexts m_At;
+};
+
+TEST_F(XPathDetached, StaysInTheTreeOfTheContext) {
+  ExpectRows(m_At, {
+                       {"top", "descendant-or-self::node() | @*", "top @x=1 one 'T' two"},
+                       {"two", "../@x | .. | ancestor::* | preceding-sibling::*", "top @x=1 one"},
+                       {"x", "parent::* | ancestor::* | .", "top @x=1"},
+                       {"top", ".. | following::node() | preceding::node()", ""},
+                       {"two", "preceding::node()", "one 'T'"},
+                       {"two", "/", ""},
+                       {"two", "//one | /top | /real", "top one"},
+                       {"top", "self::*[not(..)]", "top"},
+                       {"frag", ". | node() | //right", "#document-fragment left right"},
+                       {"left", ".. | following-sibling::* | following::* | /",
+                        "#document-fragment right"},
+                       {"loose", ".", "@loose=v"},
+                       {"loose", ".. | following::node() | preceding::node() | node() | /", ""},
+                       {"loose", "//@loose[. = 'v']", "@loose=v"},
+                       {"value", ".. | . | following::node() | preceding::node()", "@loose=v 'v'"},
+                       {"text", ". | .. | //node() | /", "'alone'"},
+                   });
+}
+
+TEST(XPathDocument, WithoutRootElement) {
+  const CDocument document = NewDocument();
+  const CContexts empty{{"doc", document.get()}};
+  ExpectRows(empty,
+             {{"doc", "/", "#document"}, {"doc", "//a | /a/b", ""}, {"doc", "/a[", "-2768"}});
+  DOMNode* pComment = document->appendChild(document->createComment(u"c"));
+  ExpectRows({{"!c", pComment}}, {{"!c", "//node() | p | /", "#document !c"},
+                                  {"!c", "self::node()[not(/a)]", "!c"},
+                                  {"!c", "p:a", "-2768"}});
+}
+
+TEST(XPathDocument, EditedBetweenEvaluations) {
+  const CDocument document = Parse("<a><b x='1'/><c/></a>");
+  DOMElement* pRoot = document->getDocumentElement();
+  EXPECT_EQ("b @x=1 c", Select(pRoot, "* | */@*"));
+  auto* pB = static_cast<DOMElement*>(pRoot->getFirstChild());
+  pB->removeAttribute(u"x");
+  pRoot->getLastChild()->appendChild(document->createTextNode(u"new"));
+  pRoot->appendChild(pB);
+  EXPECT_EQ("c 'new' b", Select(pRoot, "* | */@* | */text()"));
+}
+
+TEST(XPathNamespaces, PrefixesAreThoseInScopeAtTheContext) {
+  const CDocument document = Parse(
+      "<r xmlns='urn:d' xmlns:q='urn:q' q:a='1'><x/><q:x/>"
+      "<n xmlns='' xmlns:q='urn:n'><x/><q:x/></n><p:y xmlns:p='urn:p'><p:z/></p:y></r>");
+  DOMNode* pRoot = document->getDocumentElement();
+  DOMNode* pN = pRoot->getChildNodes()->item(2);
+  DOMNode* pZ = pRoot->getLastChild()->getFirstChild();
+  DOMElement* pMade = document->createElementNS(u"urn:made", u"m:made");
+  ExpectRows({{"doc", document.get()},
+              {"r", pRoot},
+              {"@a", pRoot->getAttributes()->item(0)},
+              {"n", pN},
+              {"z", pZ},
+              {"made", pMade}},
+             {
+                 {"r", "//x/..", "n"},
+                 {"doc", "//q:x/..", "r"},
+                 {"@a", "//q:x/..", "r"},
+                 {"n", "//q:x/..", "n"},
+                 {"r", "q:*|@q:a|@a", "@q:a=1 q:x"},
+                 {"z", "self::p:z|..", "p:y p:z"},
+                 {"r", "//p:z", "-2768"},
+                 {"r", "//@xml:space", ""},
+                 {"r", "namespace::*", "@xmlns=urn:d @xmlns:q=urn:q"},
+                 {"z", "namespace::*", "@xmlns=urn:d @xmlns:q=urn:q @xmlns:p=urn:p"},
+                 {"n", "namespace::* | x/namespace::*/..", "n @xmlns:q=urn:n"},
+                 {"r", "@*", "@q:a=1"},
+                 {"r", "*[namespace-uri() = 'urn:d']", "x"},
+                 {"made", "self::m:made", "m:made"},
+             });
+}
+
+TEST(XPathNamespaces, SwitchedOffNamesMatchAsWritten) {
+  const CDocument document = Parse("<a xmlns:p='urn:p'><b c='1'/><p:b/></a>", false);
+  ExpectRows({{"a", document->getDocumentElement()}},
+             {{"a", "b/@c", "@c=1"}, {"a", "p:b", "-2768"}, {"a", "*[name() = 'p:b']", "p:b"}});
+}
+
+TEST(XPathNames, BeyondASCII) {
+  const CDocument document = NewDocument();
+  DOMNode* pRoot = document->appendChild(document->createElement(u"größe"));
+  DOMNode* pInner = pRoot->appendChild(document->createElement(u"寸法"));
+  pInner->appendChild(document->createTextNode(u"\U00020000"));
+  const CAnswer answer = Ask(document.get(), u"/größe/寸法[. = '\U00020000']");
+  EXPECT_EQ(std::vector<DOMNode*>{pInner}, answer.m_Nodes);
+}
+
+// -- Order -------------------------------------------------------------------------
+
+// Numbers all nodes as they stand in the text.
+void Number(DOMNode* pNode, std::map<const DOMNode*, int>& positions) {
+  positions.emplace(pNode, static_cast<int>(positions.size()));
+  if (const xercesc::DOMNamedNodeMap* pMap = pNode->getAttributes()) {
+    for (XMLSize_t i = 0; i < pMap->getLength(); ++i) Number(pMap->item(i), positions);
+  }
+  for (DOMNode* p = pNode->getFirstChild(); p != nullptr; p = p->getNextSibling()) {
+    if (pNode->getNodeType() != DOMNode::ATTRIBUTE_NODE) Number(p, positions);
+  }
+}
+
+// Few results are ordered by their way through the tree, many by numbers: both, and
+// the change from one to the other, must agree with the text.
+TEST(XPathOrder, HoldsForFewAndForMany) {
+  constexpr const char* kUnions[] = {
+      "following::node() | preceding::node() | ancestor::node() | . | //@*",
+      "../following-sibling::*//@* | preceding-sibling::node() | /",
+      "//x[@n mod 7 = 3]/.. | //x/@n | //text()/ancestor::*",
+      "id('none') | following::*[1] | preceding::*[1] | ../@* | @* | ../..",
+  };
+  for (const int groups : {2, 20, 300}) {
+    std::string text = "<r>";
+    for (int i = 0; i < groups; ++i) {
+      text +=
+          "<g k='" + std::to_string(i) + "'><x n='" + std::to_string(i) + "' m='0'>t</x>-<y/></g>";
+    }
+    const CDocument document = Parse(text + "</r>");
+    std::map<const DOMNode*, int> positions;
+    Number(document.get(), positions);
+    DOMNode* pMiddle = document->getElementsByTagName(u"y")->item(XMLSize_t(groups) / 2);
+    for (const char* pUnion : kUnions) {
+      const CAnswer answer = Ask(pMiddle, Wide(pUnion));
+      EXPECT_FALSE(answer.m_Nodes.empty()) << pUnion;
+      for (std::size_t i = 1; i < answer.m_Nodes.size(); ++i) {
+        ASSERT_LT(positions.at(answer.m_Nodes[i - 1]), positions.at(answer.m_Nodes[i]))
+            << pUnion << " of " << groups << ", result " << i;
+      }
+    }
+  }
+}
+
+TEST(XPathOrder, FirstIsTheFirstOfAll) {
+  const CDocument document = Parse("<a><b/><c/></a>");
+  XPathManager manager(document.get());
+  EXPECT_EQ(std::vector<DOMNode*>{document->getDocumentElement()->getFirstChild()},
+            manager.EvaluateFirst(u"//c | //b"));
+  EXPECT_TRUE(XPathManager(document.get()).EvaluateFirst(u"//d").empty());
+}
+
+TEST(XPathOrder, HundredThousandResults) {
+  const CDocument document = Parse("<r>" + Repeat("<x/>", 100000) + "</r>");
+  EXPECT_EQ(100000U, Ask(document.get(), u"//x").m_Nodes.size());
+}
+
+// -- Failures ------------------------------------------------------------------------
+
+TEST(XPathErrors, CodeAndMessageAndSilence) {
+  struct CFailure {
+    const char* m_pExpression;
+    TSXStatus m_Status;
+    const char* m_pInMessage;
+  };
+  constexpr CFailure kFailures[] = {
+      {"", domErrXPathParse, "The expression is empty"},
+      {"  ", domErrXPathParse, "The expression is empty"},
+      {"//a[", domErrXPathParse, "Expected ']'"},
+      {"a b", domErrXPathParse, "Extra illegal token"},
+      {"@", domErrXPathParse, "A node test was expected"},
+      {".[1]", domErrXPathParse, "self::node()[predicate]"},
+      {"/ | a", domErrXPathParse, "'|' was unexpected"},  // "(/) | a" is understood
+      {"nope()", domErrXPathParse, "'nope' was not found"},
+      {"p:a", domErrXPathParse, "The prefix 'p' is not declared"},
+      {"'open", domErrXPathParse, "expression = ''open'"},
+      {"count(//a)", domErrXPathConversion, "Cannot convert 'number'"},
+      {"true()", domErrXPathConversion, "Cannot convert 'boolean'"},
+      {"'text'", domErrXPathConversion, "Cannot convert 'string'"},
+      {"$unbound", domErrXPathConversion, "Cannot convert"},
+      {"count(1)", domErrXPathXSL, "does not evaluate to a node-set"},
+      {"key('a', 'b')", domErrXPathXSL, "'key' is not implemented"},
+      {"current()", domErrXPathXSL, "'current' is not implemented"},
+      {"document('x')", domErrXPathXSL, "'document' is not implemented"},
+      {"generate-id()", domErrXPathXSL, "'generate-id' is not implemented"},
+      {"format-number(1, '0')", domErrXPathXSL, "'format-number' is not implemented"},
+      {"concat('a')", domErrXPathXSL, "requires two or more arguments"},
+  };
+  const CDocument document = Parse("<a/>");
+  testing::internal::CaptureStderr();
+  std::vector<CAnswer> answers;
+  for (const CFailure& row : kFailures) {
+    answers.push_back(Ask(document.get(), Wide(row.m_pExpression)));
+  }
+  EXPECT_EQ("", testing::internal::GetCapturedStderr());
+  for (std::size_t i = 0; i < answers.size(); ++i) {
+    EXPECT_EQ(kFailures[i].m_Status, answers[i].m_Status) << kFailures[i].m_pExpression;
+    EXPECT_NE(std::string::npos,
+              Narrow(answers[i].m_Message.c_str()).find(kFailures[i].m_pInMessage))
+        << kFailures[i].m_pExpression << ": " << Narrow(answers[i].m_Message.c_str());
+    EXPECT_TRUE(answers[i].m_Nodes.empty());
+  }
+  EXPECT_EQ("", Select(document.get(), "/a[$unbound]"));  // false, and no error
+}
+
+TEST(XPathErrors, NullContext) { EXPECT_EQ("-2766", Select(nullptr, "a")); }
+
+TEST(XPathErrors, NothingElseGetsOut) {
+  std::u16string message;
+  const auto throwOther = [] { throw xalanc::XalanDOMException(); };
+  const auto throwMemory = [] { throw std::bad_alloc(); };
+  EXPECT_EQ(domErrUnexpected, RunXPath(throwOther, message));
+  EXPECT_EQ(domErrUnexpected, RunXPath(throwMemory, message));
+  EXPECT_EQ(domErrXPathConversion,
+            RunXPath([] { throw KelXPathException(domErrXPathConversion, u"m"); }, message));
+  EXPECT_EQ(u"m", message);
+}
+
+// -- Limits --------------------------------------------------------------------------
+
+// What the limits let through must fit a small stack, nested and chained at once.
+TEST(XPathLimits, HoldOnASmallStack) {
+  struct CForm {
+    const char* m_pOpen;
+    const char* m_pClose;
+    int m_Nested;     // brackets in one
+    int m_Operators;  // operators in one
+  };
+  constexpr CForm kForms[] = {{"(", ")", 1, 0},          {"*[", "]", 1, 0},
+                              {"self::a[1=", "]", 1, 1}, {"self::a[0 or 1 and 2!=1<=", "]", 1, 4},
+                              {"not(", ")", 1, 0},       {"self::a[-(count(", "))]", 3, 1},
+                              {"1+", "", 0, 1},          {"0 or ", "", 0, 1},
+                              {"1<", "", 0, 1},          {"2 div ", "", 0, 1}};
+  const CDocument document = Parse("<a><b/></a>");
+  DOMNode* pContext = document->getDocumentElement();
+  RunOnStack(kSmallStack, [&] {
+    for (const CForm& form : kForms) {
+      const int byDepth = form.m_Nested == 0 ? kMostOperators : kMostNested / form.m_Nested;
+      const int byCount = form.m_Operators == 0 ? byDepth : kMostOperators / form.m_Operators;
+      const int most = std::min(byDepth, byCount);
+      const auto ask = [&](int times) {
+        return Ask(pContext,
+                   Wide(Repeat(form.m_pOpen, times) + "*" + Repeat(form.m_pClose, times)));
+      };
+      const CAnswer within = ask(most);
+      EXPECT_TRUE(within.m_Status == 0 || within.m_Status == domErrXPathConversion) << form.m_pOpen;
+      const CAnswer beyond = ask(most + 1);
+      EXPECT_EQ(domErrXPathParse, beyond.m_Status) << form.m_pOpen;
+      EXPECT_EQ(0U, beyond.m_Message.find(u"The expression has too many")) << form.m_pOpen;
+    }
+    const std::string all = Repeat("self::a[", kMostNested) + "1" + Repeat("+1", kMostOperators) +
+                            Repeat("]", kMostNested);
+    EXPECT_EQ(0, Ask(pContext, Wide(all)).m_Status);
+    EXPECT_EQ(domErrXPathParse, Ask(pContext, Wide(Repeat("(", 1000000))).m_Status);
+  });
+}
+
+TEST(XPathLimits, OnlyOperatorsCount) {
+  const CDocument document = Parse("<a><b-c>or</b-c></a>");
+  EXPECT_EQ("b-c", Select(document.get(), "//b-c" + Repeat(" | //b-c", 1000)));
+  EXPECT_EQ("b-c", Select(document.get(), "a/*" + Repeat("/../*", 600)));
+  EXPECT_EQ("", Select(document.get(), "//*[. = '" + Repeat("+(<[", 1000) + "']"));
+  EXPECT_EQ("", Select(document.get(), "//or/and/div/mod" + Repeat("|or/and/div/mod", 500)));
+}
+
+TEST(XPathLimits, LongPathsEndByTheStack) {
+  const CDocument document = Parse("<a/>");
+  RunOnStack(kSmallStack, [&] {
+    EXPECT_EQ("a", Select(document->getDocumentElement(), "." + Repeat("/.", 1000)));
+    EXPECT_EQ("-2767", Select(document->getDocumentElement(), "." + Repeat("/.", 100000)));
+  });
+}
+
+TEST(XPathLimits, DeepTrees) {
+  constexpr int kLevels = 100000;
+  const CDocument document = NewDocument();
+  DOMNode* pDeepest = document.get();
+  for (int i = 0; i < kLevels; ++i) {
+    pDeepest = pDeepest->appendChild(i == 0 ? document->createElementNS(u"urn:p", u"p:top")
+                                            : document->createElement(u"e"));
+  }
+  pDeepest->appendChild(document->createTextNode(u"T"));
+  RunOnStack(kSmallStack, [&] {
+    EXPECT_EQ("p:top 'T'", Select(pDeepest, "ancestor::p:top | text() | //text()"));
+    EXPECT_EQ("e", Select(document.get(), "//*[not(*)]"));
+    const CAnswer answer = Ask(document.get(), u"/*[. = 'T']");
+    EXPECT_EQ(domErrXPathXSL, answer.m_Status);
+    EXPECT_EQ(u"The evaluation goes too deep for this thread's stack.", answer.m_Message);
+  });
+  RunOnStack(64 * 1024 * 1024, [&] { EXPECT_EQ("p:top", Select(document.get(), "/*[. = 'T']")); });
+}
+
+// -- Threads -------------------------------------------------------------------------
+
+TEST(XPathThreads, EachWithADocument) {
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 8; ++i) {
+    threads.emplace_back([i] {
+      const CDocument document = Parse("<r>" + Repeat("<x><y z='1'/></x>", i + 100) + "</r>");
+      for (int round = 0; round < 20; ++round) {
+        EXPECT_EQ(static_cast<std::size_t>(i) + 100,
+                  Ask(document.get(), u"//x[y/@z = 1]").m_Nodes.size());
+        EXPECT_EQ("-2768", Select(document.get(), "//x["));
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
+}  // namespace
