@@ -1,4 +1,32 @@
-/* XPath. PLACEHOLDER NOTES */
+/* XPath 1.0, evaluated at a node.
+ *
+ * Any thread may call, each on documents of its own. The context is any registered
+ * node; a document id stands for its document. Expressions are host strings in the
+ * local code page. Every id written is one hand-out, owed back with TSXNodeClose;
+ * it is the same id that navigation gives for the node. The evaluation changes
+ * nothing and keeps nothing; what it costs beside the search itself is a view of
+ * the tree, made for each call.
+ *
+ * Prefixes mean what they mean at the context node, "xml" included; one that is not
+ * declared there is a parse error. A name without prefix means no namespace: the
+ * default namespace does not apply, so elements in it need a prefix that is
+ * declared. In a document that was read with namespaces off, names match as they
+ * are written, and any prefix is a parse error. "namespace::*" gives the element's
+ * own declarations only.
+ *
+ * Not seen through: entity reference nodes ("string()" and "x/text()" miss what is
+ * in them, "//text()" finds it). CDATA sections are part of "string()" but never
+ * match "text()". An unbound variable inside a predicate is false without a word.
+ * The functions of XSLT (key, current, document, generate-id, format-number) do
+ * not exist: domErrXPathXSL.
+ *
+ * Nodes that hang in no document, loose attributes and what is below a fragment are
+ * contexts as good as any; "/" then means the top of what they hang in. A fragment
+ * itself is no node of XPath's model, and "preceding" and "following" end at the top.
+ *
+ * Limits that hold on a stack of 256 KB, beyond which the answer is domErrXPathParse
+ * with a message: 100 brackets open at once, 500 operators, 80 digits in one number.
+ * A tree too deep for the thread's stack is domErrXPathXSL with a message. */
 #ifndef TESSEL_XPATH_H
 #define TESSEL_XPATH_H
 
