@@ -33,7 +33,7 @@ static Pointer* g_pPointers;
 
 static void require(int truth, const char* what) {
   if (truth) return;
-  fprintf(stderr, "host_in_c: %s\n", what);
+  fprintf(stderr, "own_host: %s\n", what);
   abort();
 }
 
@@ -192,7 +192,7 @@ static size_t g_Visited;
 
 static void expect(int truth, const char* what) {
   if (truth) return;
-  fprintf(stderr, "host_in_c: mismatch: %s\n", what);
+  fprintf(stderr, "own_host: mismatch: %s\n", what);
   ++g_Failures;
 }
 

@@ -1,0 +1,116 @@
+/* Orders what runs low: loads a stock list, finds the items by XPath, writes a new
+ * count into each, and saves the list. Runs on the stand-in host.
+ *   restock FILE OUTPUT */
+#include <stdio.h>
+#include <stdlib.h>
+#include <tessel/standin.h>
+#include <tessel/tessel.h>
+
+#define ROW(number, name, functions, meaning, advice) \
+  case number:                                        \
+    return #name ": " meaning;
+
+static const char* explain(TSXStatus status) {
+  switch (status) {
+    TSX_STATUS_LIST(ROW)
+    default:
+      return "the host refused";
+  }
+}
+
+static void print(FILE* stream, HStr text) {
+  if (text != NULL) fwrite((*text)->bytes, 1, (size_t)(*text)->count, stream);
+}
+
+/* Ends the program: it has no other work to go on with. */
+static void require(TSXStatus status, const char* what, HStr details) {
+  if (status == 0) return;
+  fprintf(stderr, "restock: %s: %s\n", what, explain(status));
+  print(stderr, details);
+  exit(EXIT_FAILURE);
+}
+
+static HStr string_of(const char* text) {
+  HStr string = StandinStringFromText(text, -1);
+  if (string == NULL) require(2, "a string", NULL);
+  return string;
+}
+
+static void load(TSXRefId document, const char* file) {
+  HostPath path = StandinPathFromText(file);
+  HStr errors = NULL;
+  HStr exception = NULL;
+  const TSXStatus status = TSXLoadFile(document, path, &errors, &exception);
+  require(status, file, errors != NULL ? errors : exception);
+  ClearString(&errors);
+  ClearString(&exception);
+  StandinPathDispose(path);
+}
+
+static void save(TSXRefId document, const char* file) {
+  HostPath path = StandinPathFromText(file);
+  HStr error = NULL;
+  require(TSXSaveFile(document, path, &error), file, NULL);
+  ClearString(&error);
+  StandinPathDispose(path);
+}
+
+/* The first node that an expression selects, owed back with TSXNodeClose. */
+static TSXRefId first(TSXRefId context, const char* expression) {
+  HStr text = string_of(expression);
+  HStr error = NULL;
+  TSXRefId node = 0;
+  require(XPathEvaluateContextToNode(context, &text, &node, &error), expression, error);
+  ClearString(&text);
+  ClearString(&error);
+  return node;
+}
+
+static void restock_item(TSXRefId item, HStr* amount) {
+  TSXRefId name = first(item, "name");
+  TSXRefId count = first(item, "count");
+  HStr text = NULL;
+  require(TSXGetText(name, &text), "a name", NULL);
+  print(stdout, text);
+  require(TSXGetText(count, &text), "a count", NULL);
+  printf(": ");
+  print(stdout, text);
+  require(TSXSetText(count, amount), "a count", NULL);
+  printf(" -> 10\n");
+  ClearString(&text);
+  TSXNodeClose(name);
+  TSXNodeClose(count);
+}
+
+static void restock(TSXRefId document) {
+  HStr expression = string_of("/stock/item[count < 10]");
+  HStr amount = string_of("10");
+  HStr error = NULL;
+  GenericRefObjSessionArray items = NULL;
+  require(XPathEvaluateContextToNodeArray(document, &expression, &items, &error), "query", error);
+  for (int32_t i = 0; i < (*items)->count; ++i) {
+    restock_item((*items)->ids[i], &amount);
+    TSXNodeClose((*items)->ids[i]); /* each id in the array is a hand-out */
+  }
+  ClearArray(&items);
+  ClearString(&expression);
+  ClearString(&amount);
+  ClearString(&error);
+}
+
+int main(int argc, char** argv) {
+  TSXRefId document = 0;
+  StandinLedger ledger;
+  if (argc != 3) {
+    fputs("usage: restock FILE OUTPUT\n", stderr);
+    return 2;
+  }
+  TSXDocumentOpen(0, &document);
+  load(document, argv[1]);
+  restock(document);
+  save(document, argv[2]);
+  TSXDocumentClose(document);
+
+  StandinReadLedger(&ledger);
+  return ledger.handles == 0 && ledger.paths == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+}

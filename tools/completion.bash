@@ -1,0 +1,33 @@
+# Completion of tessel(1) for bash: commands, their options, then files.
+
+_tessel_options() {
+  case $1 in
+    tree) echo --attributes ;;
+    format) echo --pretty --encoding --output ;;
+    check) echo --dtd --schema --full --no-external-dtd ;;
+    query) echo --text --count --no-namespaces ;;
+    set | delete) echo --output --in-place --no-namespaces ;;
+    explain) echo --all --markdown ;;
+  esac
+}
+
+_tessel() {
+  local commands="tree format check query set delete explain"
+  local word=${COMP_WORDS[COMP_CWORD]} command="" i
+  COMPREPLY=()
+  for ((i = 1; i < COMP_CWORD; ++i)); do
+    if [[ " $commands " == *" ${COMP_WORDS[i]} "* ]]; then
+      command=${COMP_WORDS[i]}
+      break
+    fi
+  done
+  if [[ $word == -* ]]; then
+    COMPREPLY=($(compgen -W "--help --no-external --network $(_tessel_options "$command")
+      $([[ $command ]] || echo --version)" -- "$word"))
+  elif [[ -z $command ]]; then
+    COMPREPLY=($(compgen -W "$commands" -- "$word"))
+  fi
+}
+
+# Where there is nothing to offer, file names are.
+complete -o default -F _tessel tessel
