@@ -1,6 +1,8 @@
 #include <tessel/collections.h>
 #include <tessel/status.h>
 
+#include <limits>
+
 #include "api/frame.h"
 #include "collections/close.h"
 #include "collections/outs.h"
@@ -52,11 +54,22 @@ auto* RootOf(Interface& root) {
   }
 }
 
+// The DOM keeps a list for every element and name that were asked for, with the member
+// last given. A freed element leaves its list, and that member, to the next element at
+// its address. So a list that no id names is sent back to its front, which asking for
+// an index before the first does.
+DOMNodeList* FromItsFront(DOMNodeList* pList) {
+  if (g_NodeListSessMap.HolderOf(pList) == nullptr) {
+    pList->item(std::numeric_limits<XMLSize_t>::max());
+  }
+  return pList;
+}
+
 constexpr auto kByName = [](auto& root, auto* pName) {
-  return RootOf(root)->getElementsByTagName(pName);
+  return FromItsFront(RootOf(root)->getElementsByTagName(pName));
 };
 constexpr auto kByNameNS = [](auto& root, auto* pURI, auto* pName) {
-  return RootOf(root)->getElementsByTagNameNS(pURI, pName);
+  return FromItsFront(RootOf(root)->getElementsByTagNameNS(pURI, pName));
 };
 
 template <class Interface, class Find, class... Strings>
