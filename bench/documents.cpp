@@ -38,7 +38,7 @@ std::string ItemsXml(size_t items) {
     xml += "<item id=\"" + ItemId(i) + "\"><name>";
     AppendWords(xml, i, 2);
     xml += "</name><note>";
-    AppendWords(xml, i + 1, 5);
+    AppendWords(xml, i + 1, 6);
     xml += "</note></item>";
   }
   return xml + "</list>";

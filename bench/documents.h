@@ -8,7 +8,7 @@ namespace bench {
 
 constexpr size_t kNodesPerItem = 5;
 
-// Items below one root element, about 97 bytes each:
+// Items below one root element, about 98 bytes each:
 //   <item id="i000042"><name>TEXT</name><note>TEXT</note></item>
 // An item is five nodes: three elements and two texts.
 std::string ItemsXml(size_t items);
