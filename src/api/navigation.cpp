@@ -6,7 +6,24 @@
 #include "document/depth.h"
 
 using xercesc::DOMAttr;
+using xercesc::DOMDocumentType;
 using xercesc::DOMNode;
+
+namespace {
+
+// The DOM crashes when it is to clone a document type that no document has taken.
+// Such a type is no more than its names, so one made of them is its clone.
+DOMNode* Clone(const DOMNode& node, bool deep) {
+  if (deep) depth::RequireRoom(node, depth::kCloneLevel);
+  if (node.getNodeType() != DOMNode::DOCUMENT_TYPE_NODE || node.getOwnerDocument() != nullptr) {
+    return node.cloneNode(deep);
+  }
+  const auto& type = static_cast<const DOMDocumentType&>(node);
+  return xercesc::DOMImplementation::getImplementation()->createDocumentType(
+      type.getName(), type.getPublicId(), type.getSystemId());
+}
+
+}  // namespace
 
 TSXStatus TSXGetParentNode(TSXRefId node, uint64_t, TSXRefId* parentOut) {
   return Get<DOMNode, Unguarded>(node, domErrRefGetParentNode, CLateNodeOut(parentOut),
@@ -58,10 +75,7 @@ TSXStatus TSXOwnerElement(TSXRefId attribute, uint64_t, TSXRefId* elementOut) {
 
 TSXStatus TSXCloneNode(TSXRefId node, const uint8_t* deep, TSXRefId* cloneOut) {
   return Get<DOMNode, GuardsDepth>(node, domErrRefCloneNode, CUntouchedNodeOut(cloneOut),
-                                   [&](auto& n) {
-                                     if (*deep != 0) depth::RequireRoom(n, depth::kCloneLevel);
-                                     return n.cloneNode(*deep != 0);
-                                   });
+                                   [&](auto& n) { return Clone(n, *deep != 0); });
 }
 
 TSXStatus TSXHasAttributes(TSXRefId node, uint8_t* flagOut) {

@@ -21,9 +21,9 @@
 //   divides integers, and the smallest one by -1 ends the process.
 class CExpressionForm {
  public:
-  explicit CExpressionForm(std::u16string_view text) : m_text(text) {
-    for (CExpressionLexer lexer(text); !lexer.AtEnd();) m_pieces.push_back({lexer.Next()});
-    for (std::size_t i = 0; i < m_pieces.size(); ++i) {
+  explicit CExpressionForm(std::u16string_view text) : m_Text(text) {
+    for (CExpressionLexer lexer(text); !lexer.AtEnd();) m_Pieces.push_back({lexer.Next()});
+    for (std::size_t i = 0; i < m_Pieces.size(); ++i) {
       TakeDescendants(i);
       TakeTextFunction(i);
       TakeModulus(i);
@@ -32,32 +32,32 @@ class CExpressionForm {
 
   // Nothing where the expression can stay as it is.
   std::optional<std::u16string> Rewritten() const {
-    if (!m_isChanged) return std::nullopt;
+    if (!m_IsChanged) return std::nullopt;
     std::u16string result;
     std::size_t done = 0;
-    for (const CPiece& piece : m_pieces) {
-      const auto offset = static_cast<std::size_t>(piece.m_token.m_text.data() - m_text.data());
-      result.append(m_text, done, offset - done);
-      done = offset + piece.m_token.m_text.size();
-      result.append(piece.m_before).append(piece.m_token.m_text.substr(piece.m_cut));
-      result.append(piece.m_after);
+    for (const CPiece& piece : m_Pieces) {
+      const auto offset = static_cast<std::size_t>(piece.m_Token.m_Text.data() - m_Text.data());
+      result.append(m_Text, done, offset - done);
+      done = offset + piece.m_Token.m_Text.size();
+      result.append(piece.m_Before).append(piece.m_Token.m_Text.substr(piece.m_Cut));
+      result.append(piece.m_After);
     }
     return result;
   }
 
  private:
   struct CPiece {
-    CToken m_token;
-    std::size_t m_cut = 0;  // units of the token that are left out
-    std::u16string m_before = {};
-    std::u16string m_after = {};
+    CToken m_Token;
+    std::size_t m_Cut = 0;  // units of the token that are left out
+    std::u16string m_Before = {};
+    std::u16string m_After = {};
   };
 
   bool Is(std::size_t i, std::u16string_view text) const {
-    return i < m_pieces.size() && m_pieces[i].m_token.Is(text);
+    return i < m_Pieces.size() && m_Pieces[i].m_Token.Is(text);
   }
   bool IsKind(std::size_t i, EToken kind) const {
-    return i < m_pieces.size() && m_pieces[i].m_token.m_kind == kind;
+    return i < m_Pieces.size() && m_Pieces[i].m_Token.m_Kind == kind;
   }
   bool IsOneOf(std::size_t i, std::initializer_list<std::u16string_view> texts) const {
     return std::ranges::any_of(texts, [&](auto text) { return Is(i, text); });
@@ -69,7 +69,7 @@ class CExpressionForm {
   // The first token from `i` on, outside brackets opened there, that ends an
   // argument, or an operand if operators end it too.
   std::size_t EndFrom(std::size_t i, bool atOperator) const {
-    for (int nested = 0; i < m_pieces.size(); ++i) {
+    for (int nested = 0; i < m_Pieces.size(); ++i) {
       if (nested == 0 && IsOneOf(i, {u")", u"]", u","})) break;
       if (nested == 0 && atOperator && IsKind(i, EToken::kOperator)) break;
       if (IsOneOf(i, {u"(", u"["})) ++nested;
@@ -82,22 +82,22 @@ class CExpressionForm {
   // comes first is the outer one.
   void Wrap(std::size_t first, std::size_t end, std::u16string_view open,
             std::u16string_view close) {
-    m_pieces[first].m_before += open;
-    m_pieces[end - 1].m_after.insert(0, close);
-    m_isChanged = true;
+    m_Pieces[first].m_Before += open;
+    m_Pieces[end - 1].m_After.insert(0, close);
+    m_IsChanged = true;
   }
 
   void TakeDescendants(std::size_t i) {
     if (!Is(i, u"/") || !Is(i + 1, u"/") || !IsPlainStep(i + 2)) return;
-    m_pieces[i + 1].m_cut = 1;
-    m_pieces[i + 1].m_after = u"descendant::";
-    m_isChanged = true;
+    m_Pieces[i + 1].m_Cut = 1;
+    m_Pieces[i + 1].m_After = u"descendant::";
+    m_IsChanged = true;
   }
 
   // A node test on the child axis, and predicates that do not count.
   bool IsPlainStep(std::size_t i) const {
     if (IsKind(i, EToken::kName)) {
-      const std::u16string_view name = m_pieces[i].m_token.m_text;
+      const std::u16string_view name = m_Pieces[i].m_Token.m_Text;
       if (name.find(u"::") != name.npos || Is(i + 1, u"::")) return false;
       if (name.ends_with(u':')) ++i;
     } else if (!Is(i, u"*")) {
@@ -156,7 +156,7 @@ class CExpressionForm {
     if (end > i + 1) Wrap(i + 1, end, u"translate(", u",'-','')");
   }
 
-  std::u16string_view m_text;
-  std::vector<CPiece> m_pieces;
-  bool m_isChanged = false;
+  std::u16string_view m_Text;
+  std::vector<CPiece> m_Pieces;
+  bool m_IsChanged = false;
 };

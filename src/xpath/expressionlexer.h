@@ -13,25 +13,25 @@ enum class EToken {
 };
 
 struct CToken {
-  EToken m_kind;
-  std::u16string_view m_text;
+  EToken m_Kind;
+  std::u16string_view m_Text;
 
-  bool Is(std::u16string_view text) const { return m_text == text; }
+  bool Is(std::u16string_view text) const { return m_Text == text; }
 };
 
 // Cuts any text into tokens, right or wrong. Whether a name or an asterisk is an
 // operator depends on what comes before it.
 class CExpressionLexer {
  public:
-  explicit CExpressionLexer(std::u16string_view text) : m_rest(text) { SkipSpace(); }
+  explicit CExpressionLexer(std::u16string_view text) : m_Rest(text) { SkipSpace(); }
 
-  bool AtEnd() const { return m_rest.empty(); }
+  bool AtEnd() const { return m_Rest.empty(); }
 
   // Not at the end.
   CToken Next() {
     const CToken token = Cut();
     SkipSpace();
-    m_afterOperand = EndsOperand(token);
+    m_AfterOperand = EndsOperand(token);
     return token;
   }
 
@@ -40,46 +40,46 @@ class CExpressionLexer {
   static constexpr std::u16string_view kNoName = u" \t\r\n()[]{}'\"@,|/=!<>+*$";
   static constexpr std::u16string_view kDigits = u"0123456789.";
 
-  void SkipSpace() { Take(m_rest.find_first_not_of(kSpaces)); }
+  void SkipSpace() { Take(m_Rest.find_first_not_of(kSpaces)); }
 
   std::u16string_view Take(std::size_t length) {
-    const std::u16string_view text = m_rest.substr(0, length);
-    m_rest.remove_prefix(text.size());
+    const std::u16string_view text = m_Rest.substr(0, length);
+    m_Rest.remove_prefix(text.size());
     return text;
   }
 
   CToken Cut() {
-    const char16_t first = m_rest.front();
+    const char16_t first = m_Rest.front();
     if (first == u'\'' || first == u'"') return {EToken::kLiteral, Take(LiteralLength(first))};
     if (kDigits.find(first) != kDigits.npos) return CutDigits();
-    if (m_rest.starts_with(u"!=") || m_rest.starts_with(u"<=") || m_rest.starts_with(u">=")) {
+    if (m_Rest.starts_with(u"!=") || m_Rest.starts_with(u"<=") || m_Rest.starts_with(u">=")) {
       return {EToken::kOperator, Take(2)};
     }
     if (std::u16string_view(u"=<>+-").find(first) != kNoName.npos) {
       return {EToken::kOperator, Take(1)};
     }
-    if (first == u'*') return {m_afterOperand ? EToken::kOperator : EToken::kMark, Take(1)};
+    if (first == u'*') return {m_AfterOperand ? EToken::kOperator : EToken::kMark, Take(1)};
     if (kNoName.find(first) != kNoName.npos) return {EToken::kMark, Take(1)};
-    return {m_afterOperand ? EToken::kOperator : EToken::kName,
-            Take(m_rest.find_first_of(kNoName))};
+    return {m_AfterOperand ? EToken::kOperator : EToken::kName,
+            Take(m_Rest.find_first_of(kNoName))};
   }
 
   std::size_t LiteralLength(char16_t quote) const {
-    const std::size_t end = m_rest.find(quote, 1);
-    return end == m_rest.npos ? end : end + 1;
+    const std::size_t end = m_Rest.find(quote, 1);
+    return end == m_Rest.npos ? end : end + 1;
   }
 
   CToken CutDigits() {
-    const std::u16string_view text = Take(m_rest.find_first_not_of(kDigits));
+    const std::u16string_view text = Take(m_Rest.find_first_not_of(kDigits));
     return {text == u"." || text == u".." ? EToken::kDots : EToken::kNumber, text};
   }
 
   static bool EndsOperand(const CToken& token) {
-    if (token.m_kind == EToken::kName) return !token.m_text.ends_with(u':');
-    if (token.m_kind == EToken::kMark) return token.Is(u")") || token.Is(u"]") || token.Is(u"*");
-    return token.m_kind != EToken::kOperator;
+    if (token.m_Kind == EToken::kName) return !token.m_Text.ends_with(u':');
+    if (token.m_Kind == EToken::kMark) return token.Is(u")") || token.Is(u"]") || token.Is(u"*");
+    return token.m_Kind != EToken::kOperator;
   }
 
-  std::u16string_view m_rest;
-  bool m_afterOperand = false;
+  std::u16string_view m_Rest;
+  bool m_AfterOperand = false;
 };

@@ -22,10 +22,10 @@ void CheckExpression(const XMLCh* pExpression) {
   int operators = 0;
   for (CExpressionLexer lexer(pExpression); !lexer.AtEnd();) {
     const CToken token = lexer.Next();
-    if (token.m_kind == EToken::kOperator && ++operators > kMostOperators) {
+    if (token.m_Kind == EToken::kOperator && ++operators > kMostOperators) {
       Refuse("too many operators", kMostOperators);
     }
-    if (token.m_kind == EToken::kNumber && token.m_text.size() > kMostDigits) {
+    if (token.m_Kind == EToken::kNumber && token.m_Text.size() > kMostDigits) {
       Refuse("a number with too many digits", kMostDigits);
     }
     if (token.Is(u")") || token.Is(u"]")) --nested;

@@ -39,12 +39,12 @@ const XMLCh* Declared(const DOMNode& element, const XMLCh* pPrefix) {
 const xalanc::XalanDOMString* CNamespaceScope::getNamespaceForPrefix(
     const xalanc::XalanDOMString& prefix) const {
   const XMLCh* pURI = Find(prefix.c_str());
-  return pURI == nullptr ? nullptr : &m_answers.emplace_back(pURI);
+  return pURI == nullptr ? nullptr : &m_Answers.emplace_back(pURI);
 }
 
 const XMLCh* CNamespaceScope::Find(const XMLCh* pPrefix) const {
   if (XMLString::equals(pPrefix, XMLUni::fgXMLString)) return XMLUni::fgXMLURIName;
-  const DOMNode* pNode = &m_context;
+  const DOMNode* pNode = &m_Context;
   if (pNode->getNodeType() == DOMNode::DOCUMENT_NODE) {
     pNode = static_cast<const xercesc::DOMDocument*>(pNode)->getDocumentElement();
   }

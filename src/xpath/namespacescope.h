@@ -11,16 +11,16 @@
 class CNamespaceScope final : public xalanc::PrefixResolver {
  public:
   // Borrows the context.
-  explicit CNamespaceScope(const xercesc::DOMNode& context) : m_context(context) {}
+  explicit CNamespaceScope(const xercesc::DOMNode& context) : m_Context(context) {}
 
   const xalanc::XalanDOMString* getNamespaceForPrefix(
       const xalanc::XalanDOMString& prefix) const override;
-  const xalanc::XalanDOMString& getURI() const override { return m_baseURI; }
+  const xalanc::XalanDOMString& getURI() const override { return m_BaseURI; }
 
  private:
   const XMLCh* Find(const XMLCh* pPrefix) const;
 
-  const xercesc::DOMNode& m_context;
-  const xalanc::XalanDOMString m_baseURI;
-  mutable std::deque<xalanc::XalanDOMString> m_answers;  // Xalan-C keeps pointers to them
+  const xercesc::DOMNode& m_Context;
+  const xalanc::XalanDOMString m_BaseURI;
+  mutable std::deque<xalanc::XalanDOMString> m_Answers;  // Xalan-C keeps pointers to them
 };

@@ -11,15 +11,15 @@
 // the slots are taken, so probing ends.
 class CNodeTable {
  public:
-  CNodeTable() : m_slots(kFirstSize) {}
+  CNodeTable() : m_Slots(kFirstSize) {}
 
   // The node's entry, null when it is new; valid until the next call.
   xalanc::XalanNode*& operator[](const xercesc::DOMNode* pKey) {
-    if (m_used * 2 >= m_slots.size()) Grow();
+    if (m_Used * 2 >= m_Slots.size()) Grow();
     CSlot& slot = Probe(pKey);
     if (slot.m_pKey == nullptr) {
       slot.m_pKey = pKey;
-      ++m_used;
+      ++m_Used;
     }
     return slot.m_pNode;
   }
@@ -34,21 +34,21 @@ class CNodeTable {
 
   CSlot& Probe(const xercesc::DOMNode* pKey) {
     const std::uint64_t mixed = reinterpret_cast<std::uintptr_t>(pKey) * 0x9E3779B97F4A7C15U;
-    std::size_t at = (mixed >> 32) & (m_slots.size() - 1);
-    while (m_slots[at].m_pKey != nullptr && m_slots[at].m_pKey != pKey) {
-      at = (at + 1) & (m_slots.size() - 1);
+    std::size_t at = (mixed >> 32) & (m_Slots.size() - 1);
+    while (m_Slots[at].m_pKey != nullptr && m_Slots[at].m_pKey != pKey) {
+      at = (at + 1) & (m_Slots.size() - 1);
     }
-    return m_slots[at];
+    return m_Slots[at];
   }
 
   void Grow() {
-    std::vector<CSlot> old(m_slots.size() * 4);
-    old.swap(m_slots);
+    std::vector<CSlot> old(m_Slots.size() * 4);
+    old.swap(m_Slots);
     for (const CSlot& slot : old) {
       if (slot.m_pKey != nullptr) Probe(slot.m_pKey) = slot;
     }
   }
 
-  std::vector<CSlot> m_slots;
-  std::size_t m_used = 0;
+  std::vector<CSlot> m_Slots;
+  std::size_t m_Used = 0;
 };

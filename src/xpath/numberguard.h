@@ -12,6 +12,7 @@ class CNumberGuard final : public xalanc::XObjectFactoryDefault {
  public:
   using XObjectFactoryDefault::createNumber;
 
+  // NOLINTNEXTLINE(readability-const-return-type): as the base declares it
   const xalanc::XObjectPtr createNumber(double value) override {
     if (std::isfinite(value) && std::fabs(value) >= kTooLarge) Fail();
     return XObjectFactoryDefault::createNumber(value);

@@ -11,7 +11,7 @@ class CStackGuard {
   CStackGuard();
   // Throws an XSLException when too little is left to go deeper.
   void Check() const {
-    if (Here() < m_floor) Fail();
+    if (Here() < m_Floor) Fail();
   }
 
  private:
@@ -20,5 +20,5 @@ class CStackGuard {
   }
   [[noreturn]] static void Fail();
 
-  std::uintptr_t m_floor;
+  std::uintptr_t m_Floor;
 };

@@ -15,17 +15,17 @@ CXalanLibrary::CXercesReference::CXercesReference() { xercesc::XMLPlatformUtils:
 
 CXalanLibrary::CXercesReference::~CXercesReference() { xercesc::XMLPlatformUtils::Terminate(); }
 
-void CXalanLibrary::Use() { static const CXalanLibrary s_library; }
+void CXalanLibrary::Use() { static const CXalanLibrary s_Library; }
 
 // The manager's code is Xerces-C's, so it works without ours; Xerces-C's global
 // manager would not do, as it dies when Xerces-C ends.
 CXalanLibrary::CXalanLibrary()
-    : m_tablesAreOurs(!TablesExist()),
+    : m_TablesAreOurs(!TablesExist()),
       m_pMemory(std::make_unique<xercesc::MemoryManagerImpl>()),
       m_pTables(std::make_unique<xalanc::XPathInit>(*m_pMemory)) {}
 
 CXalanLibrary::~CXalanLibrary() {
   m_pTables.reset();
   // The host holds on to tables that live in our manager: leave it to them.
-  if (m_tablesAreOurs && TablesExist()) (void)m_pMemory.release();
+  if (m_TablesAreOurs && TablesExist()) (void)m_pMemory.release();
 }

@@ -29,8 +29,8 @@ class CXalanLibrary {
     CXercesReference& operator=(const CXercesReference&) = delete;
   };
 
-  CXercesReference m_xerces;
-  bool m_tablesAreOurs;
+  CXercesReference m_Xerces;
+  bool m_TablesAreOurs;
   std::unique_ptr<xercesc::MemoryManager> m_pMemory;
   std::unique_ptr<xalanc::XPathInit> m_pTables;
 };

@@ -24,15 +24,15 @@ xercesc::DOMNode& Begin(xercesc::DOMNode* pContext) {
 class CCompiled {
  public:
   CCompiled(const XMLCh* pExpression, const xalanc::PrefixResolver& scope)
-      : m_xpath(*xercesc::XMLPlatformUtils::fgMemoryManager) {
+      : m_Xpath(*xercesc::XMLPlatformUtils::fgMemoryManager) {
     xalanc::XPathProcessorImpl processor;
-    processor.initXPath(m_xpath, m_construction, xalanc::XalanDOMString(pExpression), scope);
+    processor.initXPath(m_Xpath, m_Construction, xalanc::XalanDOMString(pExpression), scope);
   }
-  const xalanc::XPath& Get() const { return m_xpath; }
+  const xalanc::XPath& Get() const { return m_Xpath; }
 
  private:
-  CSilentConstruction m_construction;
-  xalanc::XPath m_xpath;
+  CSilentConstruction m_Construction;
+  xalanc::XPath m_Xpath;
 };
 
 // The first nodes of a list, without those that stand for none.
@@ -50,10 +50,10 @@ std::vector<xercesc::DOMNode*> Unwrap(const xalanc::NodeRefListBase& nodes, std:
 }  // namespace
 
 XPathManager::XPathManager(xercesc::DOMNode* pContext)
-    : m_tree(Begin(pContext)),
-      m_order(m_tree),
-      m_scope(*pContext),
-      m_execution(m_environment, m_order, m_factory, &m_tree.Context(), nullptr, &m_scope) {}
+    : m_Tree(Begin(pContext)),
+      m_Order(m_Tree),
+      m_Scope(*pContext),
+      m_Execution(m_Environment, m_Order, m_Factory, &m_Tree.Context(), nullptr, &m_Scope) {}
 
 std::vector<xercesc::DOMNode*> XPathManager::Evaluate(const XMLCh* pExpression) {
   return Select(pExpression, std::numeric_limits<std::size_t>::max());
@@ -65,13 +65,13 @@ std::vector<xercesc::DOMNode*> XPathManager::EvaluateFirst(const XMLCh* pExpress
 
 std::vector<xercesc::DOMNode*> XPathManager::Select(const XMLCh* pExpression, std::size_t most) {
   CheckExpression(pExpression);
-  const CCompiled asWritten(pExpression, m_scope);  // errors are about the host's own text
+  const CCompiled asWritten(pExpression, m_Scope);  // errors are about the host's own text
   const auto rewritten = CExpressionForm(pExpression).Rewritten();
   if (!rewritten) return Execute(asWritten.Get(), most);
-  return Execute(CCompiled(rewritten->c_str(), m_scope).Get(), most);
+  return Execute(CCompiled(rewritten->c_str(), m_Scope).Get(), most);
 }
 
 std::vector<xercesc::DOMNode*> XPathManager::Execute(const xalanc::XPath& xpath, std::size_t most) {
-  const xalanc::XObjectPtr result = xpath.execute(&m_tree.Context(), m_scope, m_execution);
+  const xalanc::XObjectPtr result = xpath.execute(&m_Tree.Context(), m_Scope, m_Execution);
   return Unwrap(result->nodeset(), most);
 }

@@ -19,33 +19,33 @@
 class KelXPathException {
  public:
   explicit KelXPathException(TSXStatus status, std::u16string message = {})
-      : m_status(status), m_message(std::move(message)) {}
+      : m_Status(status), m_Message(std::move(message)) {}
 
-  TSXStatus GetStatus() const { return m_status; }
-  const std::u16string& GetMessage() const { return m_message; }
+  TSXStatus GetStatus() const { return m_Status; }
+  const std::u16string& GetMessage() const { return m_Message; }
 
  private:
-  TSXStatus m_status;
-  std::u16string m_message;
+  TSXStatus m_Status;
+  std::u16string m_Message;
 };
 
 // Document order as the tree has it.
 class CXPathOrder final : public xalanc::DOMSupport {
  public:
-  explicit CXPathOrder(CXPathTree& tree) : m_tree(tree) {}
+  explicit CXPathOrder(CXPathTree& tree) : m_Tree(tree) {}
 
   void reset() override {}
   const xalanc::XalanDOMString& getUnparsedEntityURI(const xalanc::XalanDOMString&,
                                                      const xalanc::XalanDocument&) const override {
-    return m_none;
+    return m_None;
   }
   bool isNodeAfter(const xalanc::XalanNode& node, const xalanc::XalanNode& other) const override {
-    return m_tree.IsAfter(node, other);
+    return m_Tree.IsAfter(node, other);
   }
 
  private:
-  CXPathTree& m_tree;
-  const xalanc::XalanDOMString m_none;
+  CXPathTree& m_Tree;
+  const xalanc::XalanDOMString m_None;
 };
 
 // One evaluation; make it on the stack and let it go before the tree changes. One
@@ -67,10 +67,10 @@ class XPathManager {
   std::vector<xercesc::DOMNode*> Select(const XMLCh* pExpression, std::size_t most);
   std::vector<xercesc::DOMNode*> Execute(const xalanc::XPath& xpath, std::size_t most);
 
-  CXPathTree m_tree;
-  CXPathOrder m_order;
-  CNamespaceScope m_scope;
-  CSilentEnvironment m_environment;
-  CNumberGuard m_factory;
-  xalanc::XPathExecutionContextDefault m_execution;
+  CXPathTree m_Tree;
+  CXPathOrder m_Order;
+  CNamespaceScope m_Scope;
+  CSilentEnvironment m_Environment;
+  CNumberGuard m_Factory;
+  xalanc::XPathExecutionContextDefault m_Execution;
 };

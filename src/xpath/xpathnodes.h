@@ -20,29 +20,29 @@ class CNodeOf : public Base {
   using typename Base::IndexType;
   using typename Base::NodeType;
 
-  explicit CNodeOf(const CWrapped& wrapped) : m_wrapped(wrapped) {}
+  explicit CNodeOf(const CWrapped& wrapped) : m_Wrapped(wrapped) {}
 
-  CWrapped& Wrapped() const { return m_wrapped; }
+  CWrapped& Wrapped() const { return m_Wrapped; }
 
   const xalanc::XalanDOMString& getNodeName() const override {
     return Name(&xercesc::DOMNode::getNodeName);
   }
-  const xalanc::XalanDOMString& getNodeValue() const override { return m_wrapped.Value(); }
+  const xalanc::XalanDOMString& getNodeValue() const override { return m_Wrapped.Value(); }
   // Asked at every step of every recursion of Xalan-C over nodes.
   NodeType getNodeType() const override {
-    m_wrapped.Tree().CheckStack();
-    return m_wrapped.Type();
+    m_Wrapped.Tree().CheckStack();
+    return m_Wrapped.Type();
   }
-  xalanc::XalanNode* getParentNode() const override { return m_wrapped.Parent(); }
+  xalanc::XalanNode* getParentNode() const override { return m_Wrapped.Parent(); }
   const xalanc::XalanNodeList* getChildNodes() const override {
     throw xalanc::XalanDOMException(xalanc::XalanDOMException::NOT_SUPPORTED_ERR);
   }
-  xalanc::XalanNode* getFirstChild() const override { return m_wrapped.FirstChild(); }
-  xalanc::XalanNode* getLastChild() const override { return m_wrapped.LastChild(); }
-  xalanc::XalanNode* getPreviousSibling() const override { return m_wrapped.PreviousSibling(); }
-  xalanc::XalanNode* getNextSibling() const override { return m_wrapped.NextSibling(); }
+  xalanc::XalanNode* getFirstChild() const override { return m_Wrapped.FirstChild(); }
+  xalanc::XalanNode* getLastChild() const override { return m_Wrapped.LastChild(); }
+  xalanc::XalanNode* getPreviousSibling() const override { return m_Wrapped.PreviousSibling(); }
+  xalanc::XalanNode* getNextSibling() const override { return m_Wrapped.NextSibling(); }
   const xalanc::XalanNamedNodeMap* getAttributes() const override { return nullptr; }
-  xalanc::XalanDocument* getOwnerDocument() const override { return &m_wrapped.Tree().Root(); }
+  xalanc::XalanDocument* getOwnerDocument() const override { return &m_Wrapped.Tree().Root(); }
   const xalanc::XalanDOMString& getNamespaceURI() const override {
     return Name(&xercesc::DOMNode::getNamespaceURI);
   }
@@ -52,27 +52,27 @@ class CNodeOf : public Base {
   const xalanc::XalanDOMString& getLocalName() const override {
     return Name(&xercesc::DOMNode::getLocalName);
   }
-  bool isIndexed() const override { return m_wrapped.Tree().IsNumbered(); }
-  IndexType getIndex() const override { return m_wrapped.m_index; }
+  bool isIndexed() const override { return m_Wrapped.Tree().IsNumbered(); }
+  IndexType getIndex() const override { return m_Wrapped.m_Index; }
 
  protected:
   const xalanc::XalanDOMString& Name(const XMLCh* (xercesc::DOMNode::*pName)() const) const {
-    const xercesc::DOMNode* pNode = m_wrapped.Node();
-    return m_wrapped.Tree().Name(pNode == nullptr ? nullptr : (pNode->*pName)());
+    const xercesc::DOMNode* pNode = m_Wrapped.Node();
+    return m_Wrapped.Tree().Name(pNode == nullptr ? nullptr : (pNode->*pName)());
   }
 
-  mutable CWrapped m_wrapped;
+  mutable CWrapped m_Wrapped;
 };
 
 // The attributes of an element; of the element that stands for none, the loose
 // attribute below it.
 class CAttributes final : public xalanc::XalanNamedNodeMap {
  public:
-  explicit CAttributes(CWrapped& element) : m_element(element) {}
+  explicit CAttributes(CWrapped& element) : m_Element(element) {}
 
   xalanc::XalanNode* item(xalanc::XalanSize_t index) const override {
     const xercesc::DOMNamedNodeMap* pMap = Map();
-    return m_element.Tree().Wrap(pMap == nullptr ? m_element.Tree().Top() : pMap->item(index));
+    return m_Element.Tree().Wrap(pMap == nullptr ? m_Element.Tree().Top() : pMap->item(index));
   }
   xalanc::XalanSize_t getLength() const override {
     const xercesc::DOMNamedNodeMap* pMap = Map();
@@ -80,31 +80,31 @@ class CAttributes final : public xalanc::XalanNamedNodeMap {
   }
   xalanc::XalanNode* getNamedItem(const xalanc::XalanDOMString& name) const override {
     const xercesc::DOMNamedNodeMap* pMap = Map();
-    return pMap == nullptr ? nullptr : m_element.Tree().Wrap(pMap->getNamedItem(name.c_str()));
+    return pMap == nullptr ? nullptr : m_Element.Tree().Wrap(pMap->getNamedItem(name.c_str()));
   }
   xalanc::XalanNode* getNamedItemNS(const xalanc::XalanDOMString& uri,
                                     const xalanc::XalanDOMString& localName) const override {
     const xercesc::DOMNamedNodeMap* pMap = Map();
     if (pMap == nullptr) return nullptr;
-    return m_element.Tree().Wrap(pMap->getNamedItemNS(uri.c_str(), localName.c_str()));
+    return m_Element.Tree().Wrap(pMap->getNamedItemNS(uri.c_str(), localName.c_str()));
   }
 
  private:
   const xercesc::DOMNamedNodeMap* Map() const {
-    return m_element.Node() == nullptr ? nullptr : m_element.Node()->getAttributes();
+    return m_Element.Node() == nullptr ? nullptr : m_Element.Node()->getAttributes();
   }
 
-  CWrapped& m_element;
+  CWrapped& m_Element;
 };
 
 class CElementNode final : public CNodeOf<xalanc::XalanElement> {
  public:
-  explicit CElementNode(const CWrapped& wrapped) : CNodeOf(wrapped), m_attributes(m_wrapped) {}
-  const xalanc::XalanNamedNodeMap* getAttributes() const override { return &m_attributes; }
+  explicit CElementNode(const CWrapped& wrapped) : CNodeOf(wrapped), m_Attributes(m_Wrapped) {}
+  const xalanc::XalanNamedNodeMap* getAttributes() const override { return &m_Attributes; }
   const xalanc::XalanDOMString& getTagName() const override { return getNodeName(); }
 
  private:
-  CAttributes m_attributes;
+  CAttributes m_Attributes;
 };
 
 class CAttributeNode final : public CNodeOf<xalanc::XalanAttr> {
@@ -114,7 +114,7 @@ class CAttributeNode final : public CNodeOf<xalanc::XalanAttr> {
   const xalanc::XalanDOMString& getName() const override { return getNodeName(); }
   const xalanc::XalanDOMString& getValue() const override { return getNodeValue(); }
   xalanc::XalanElement* getOwnerElement() const override {
-    return static_cast<xalanc::XalanElement*>(m_wrapped.Parent());
+    return static_cast<xalanc::XalanElement*>(m_Wrapped.Parent());
   }
 };
 
@@ -151,10 +151,10 @@ class CRootNode final : public CNodeOf<xalanc::XalanDocument> {
   // Never null: without a root element Xalan-C would take "/" for the top of a
   // result tree fragment, climb past it and crash.
   xalanc::XalanElement* getDocumentElement() const override {
-    return &m_wrapped.Tree().NoElement();
+    return &m_Wrapped.Tree().NoElement();
   }
   xalanc::XalanElement* getElementById(const xalanc::XalanDOMString& id) const override {
-    return static_cast<xalanc::XalanElement*>(m_wrapped.Tree().FindById(id.c_str()));
+    return static_cast<xalanc::XalanElement*>(m_Wrapped.Tree().FindById(id.c_str()));
   }
 };
 

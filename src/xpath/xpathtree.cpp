@@ -47,50 +47,50 @@ XalanNode* NextInOrder(const XalanNode& node) {
 void CWrapped::Link(XalanNode* pParent, XalanNode* pFirstChild) {
   m_pParent = pParent;
   m_pFirstChild = pFirstChild;
-  m_knowsParent = m_knowsFirstChild = true;
+  m_KnowsParent = m_KnowsFirstChild = true;
 }
 
 bool CWrapped::HasNodesBelow() const {
-  return m_pNode != nullptr && m_type != XalanNode::ATTRIBUTE_NODE;
+  return m_pNode != nullptr && m_Type != XalanNode::ATTRIBUTE_NODE;
 }
 
-bool CWrapped::HasNodesBeside() const { return HasNodesBelow() && m_pNode != m_tree.m_pTop; }
+bool CWrapped::HasNodesBeside() const { return HasNodesBelow() && m_pNode != m_Tree.m_pTop; }
 
 XalanNode* CWrapped::Parent() {
-  if (!m_knowsParent) {
-    m_knowsParent = true;
-    m_pParent = m_tree.Wrap(DomParent(*m_pNode));
+  if (!m_KnowsParent) {
+    m_KnowsParent = true;
+    m_pParent = m_Tree.Wrap(DomParent(*m_pNode));
   }
   return m_pParent;
 }
 
 XalanNode* CWrapped::FirstChild() {
-  if (!m_knowsFirstChild) {
-    m_knowsFirstChild = true;
-    if (HasNodesBelow()) m_pFirstChild = m_tree.Wrap(m_pNode->getFirstChild());
+  if (!m_KnowsFirstChild) {
+    m_KnowsFirstChild = true;
+    if (HasNodesBelow()) m_pFirstChild = m_Tree.Wrap(m_pNode->getFirstChild());
   }
   return m_pFirstChild;
 }
 
 XalanNode* CWrapped::LastChild() const {
-  return HasNodesBelow() ? m_tree.Wrap(m_pNode->getLastChild()) : m_pFirstChild;
+  return HasNodesBelow() ? m_Tree.Wrap(m_pNode->getLastChild()) : m_pFirstChild;
 }
 
 XalanNode* CWrapped::PreviousSibling() const {
-  return HasNodesBeside() ? m_tree.Wrap(m_pNode->getPreviousSibling()) : nullptr;
+  return HasNodesBeside() ? m_Tree.Wrap(m_pNode->getPreviousSibling()) : nullptr;
 }
 
 XalanNode* CWrapped::NextSibling() {
-  if (!m_knowsNextSibling) {
-    m_knowsNextSibling = true;
-    if (HasNodesBeside()) m_pNextSibling = m_tree.Wrap(m_pNode->getNextSibling());
+  if (!m_KnowsNextSibling) {
+    m_KnowsNextSibling = true;
+    if (HasNodesBeside()) m_pNextSibling = m_Tree.Wrap(m_pNode->getNextSibling());
   }
   return m_pNextSibling;
 }
 
 const xalanc::XalanDOMString& CWrapped::Value() {
   if (m_pValue == nullptr) {
-    m_pValue = &m_tree.KeepValue(m_pNode == nullptr ? nullptr : m_pNode->getNodeValue());
+    m_pValue = &m_Tree.KeepValue(m_pNode == nullptr ? nullptr : m_pNode->getNodeValue());
   }
   return *m_pValue;
 }
@@ -104,7 +104,7 @@ CXPathTree::CXPathTree(DOMNode& context) : m_pTop(TopOf(context)) {
 
 template <class Node>
 Node* CXPathTree::Make(DOMNode* pNode, XalanNode::NodeType type) {
-  void* pMemory = m_memory.allocate(sizeof(Node), alignof(Node));
+  void* pMemory = m_Memory.allocate(sizeof(Node), alignof(Node));
   return ::new (pMemory) Node(CWrapped(*this, pNode, type));
 }
 
@@ -114,10 +114,10 @@ void CXPathTree::MakeRoot(bool standsForItself) {
   m_pNoElement = pNoElement;
 
   CRootNode* pRoot = Make<CRootNode>(standsForItself ? m_pTop : nullptr, XalanNode::DOCUMENT_NODE);
-  pRoot->Wrapped().m_knowsParent = true;  // there is nothing above the tree
+  pRoot->Wrapped().m_KnowsParent = true;  // there is nothing above the tree
   m_pRoot = pRoot;
   if (standsForItself) {
-    m_nodes[m_pTop] = pRoot;
+    m_Nodes[m_pTop] = pRoot;
   } else if (m_pTop->getNodeType() == DOMNode::ATTRIBUTE_NODE) {
     WrappedOf(*Wrap(m_pTop)).Link(pNoElement, nullptr);
     pRoot->Wrapped().Link(nullptr, pNoElement);
@@ -128,7 +128,7 @@ void CXPathTree::MakeRoot(bool standsForItself) {
 
 XalanNode* CXPathTree::Wrap(DOMNode* pNode) {
   if (pNode == nullptr) return nullptr;
-  XalanNode*& pWrapping = m_nodes[pNode];
+  XalanNode*& pWrapping = m_Nodes[pNode];
   if (pWrapping == nullptr) pWrapping = MakeNode(*pNode);
   return pWrapping;
 }
@@ -164,52 +164,52 @@ XalanNode* CXPathTree::FindById(const XMLCh* pId) {
 }
 
 const xalanc::XalanDOMString& CXPathTree::Name(const XMLCh* pName) {
-  return pName == nullptr ? m_noText : m_names.try_emplace(pName, pName).first->second;
+  return pName == nullptr ? m_NoText : m_Names.try_emplace(pName, pName).first->second;
 }
 
 const xalanc::XalanDOMString& CXPathTree::KeepValue(const XMLCh* pValue) {
-  return pValue == nullptr ? m_noText : m_values.emplace_back(pValue);
+  return pValue == nullptr ? m_NoText : m_Values.emplace_back(pValue);
 }
 
 // -- Order -----------------------------------------------------------------------
 
 bool CXPathTree::IsNumbered() {
-  if (!m_numbered && ++m_asks > kFreeAsks) NumberAll();
-  return m_numbered;
+  if (!m_Numbered && ++m_Asks > kFreeAsks) NumberAll();
+  return m_Numbered;
 }
 
 bool CXPathTree::IsAfter(const XalanNode& node, const XalanNode& other) {
   const CWrapped& wrapped = WrappedOf(node);
   const CWrapped& otherWrapped = WrappedOf(other);
-  if (!m_numbered && wrapped.Node() != nullptr && otherWrapped.Node() != nullptr) {
+  if (!m_Numbered && wrapped.Node() != nullptr && otherWrapped.Node() != nullptr) {
     const bool isAfter = IsAfterByWay(*wrapped.Node(), *otherWrapped.Node());
-    if (m_steps <= kFreeSteps) return isAfter;
+    if (m_Steps <= kFreeSteps) return isAfter;
   }
   NumberAll();
-  return wrapped.m_index > otherWrapped.m_index;
+  return wrapped.m_Index > otherWrapped.m_Index;
 }
 
 void CXPathTree::NumberAll() {
-  if (m_numbered) return;
-  m_numbered = true;
+  if (m_Numbered) return;
+  m_Numbered = true;
   for (XalanNode* pNode = m_pRoot; pNode != nullptr; pNode = NextInOrder(*pNode)) {
     NumberNode(*pNode);
   }
 }
 
 void CXPathTree::NumberNode(const XalanNode& node) {
-  WrappedOf(node).m_index = ++m_lastIndex;
+  WrappedOf(node).m_Index = ++m_LastIndex;
   const xalanc::XalanNamedNodeMap* pAttributes = node.getAttributes();
   if (pAttributes == nullptr) return;
   const xalanc::XalanSize_t count = pAttributes->getLength();
   for (xalanc::XalanSize_t i = 0; i < count; ++i) {
-    WrappedOf(*pAttributes->item(i)).m_index = ++m_lastIndex;
+    WrappedOf(*pAttributes->item(i)).m_Index = ++m_LastIndex;
   }
 }
 
 bool CXPathTree::Pass(long nodes) {
-  m_steps += nodes;
-  return m_steps <= kFreeSteps;
+  m_Steps += nodes;
+  return m_Steps <= kFreeSteps;
 }
 
 long CXPathTree::Depth(const DOMNode& node) {

@@ -37,13 +37,13 @@ class CWrapped {
  public:
   // Without a DOM node it stands for none, and has the links that Link gives it.
   CWrapped(CXPathTree& tree, xercesc::DOMNode* pNode, xalanc::XalanNode::NodeType type)
-      : m_tree(tree), m_pNode(pNode), m_type(type) {}
+      : m_Tree(tree), m_pNode(pNode), m_Type(type) {}
 
   void Link(xalanc::XalanNode* pParent, xalanc::XalanNode* pFirstChild);
 
-  CXPathTree& Tree() const { return m_tree; }
+  CXPathTree& Tree() const { return m_Tree; }
   xercesc::DOMNode* Node() const { return m_pNode; }
-  xalanc::XalanNode::NodeType Type() const { return m_type; }
+  xalanc::XalanNode::NodeType Type() const { return m_Type; }
   xalanc::XalanNode* Parent();
   xalanc::XalanNode* FirstChild();
   xalanc::XalanNode* LastChild() const;
@@ -52,7 +52,7 @@ class CWrapped {
   const xalanc::XalanDOMString& Value();
 
   // Number in document order, from 1; 0 before the tree is numbered.
-  xalanc::XalanNode::IndexType m_index = 0;
+  xalanc::XalanNode::IndexType m_Index = 0;
 
  private:
   friend class CXPathTree;
@@ -60,16 +60,16 @@ class CWrapped {
   bool HasNodesBelow() const;
   bool HasNodesBeside() const;
 
-  CXPathTree& m_tree;
+  CXPathTree& m_Tree;
   xercesc::DOMNode* const m_pNode;
   xalanc::XalanNode* m_pParent = nullptr;
   xalanc::XalanNode* m_pFirstChild = nullptr;
   xalanc::XalanNode* m_pNextSibling = nullptr;
   const xalanc::XalanDOMString* m_pValue = nullptr;
-  const xalanc::XalanNode::NodeType m_type;
-  bool m_knowsParent = false;
-  bool m_knowsFirstChild = false;
-  bool m_knowsNextSibling = false;
+  const xalanc::XalanNode::NodeType m_Type;
+  bool m_KnowsParent = false;
+  bool m_KnowsFirstChild = false;
+  bool m_KnowsNextSibling = false;
 };
 
 class CXPathTree {
@@ -97,7 +97,7 @@ class CXPathTree {
   // A name that the DOM holds; null is empty. Cached by address.
   const xalanc::XalanDOMString& Name(const XMLCh* pName);
   const xalanc::XalanDOMString& KeepValue(const XMLCh* pValue);
-  void CheckStack() const { m_stack.Check(); }
+  void CheckStack() const { m_Stack.Check(); }
 
  private:
   static constexpr int kFreeAsks = 64;      // questions for a number
@@ -114,20 +114,20 @@ class CXPathTree {
   bool IsAfterBeside(const xercesc::DOMNode& node, const xercesc::DOMNode& other);
   long Depth(const xercesc::DOMNode& node);
 
-  CStackGuard m_stack;
-  std::pmr::monotonic_buffer_resource m_memory;  // of the nodes; none owns anything
-  CNodeTable m_nodes;
-  std::unordered_map<const XMLCh*, xalanc::XalanDOMString> m_names;
-  std::deque<xalanc::XalanDOMString> m_values;
-  const xalanc::XalanDOMString m_noText;
+  CStackGuard m_Stack;
+  std::pmr::monotonic_buffer_resource m_Memory;  // of the nodes; none owns anything
+  CNodeTable m_Nodes;
+  std::unordered_map<const XMLCh*, xalanc::XalanDOMString> m_Names;
+  std::deque<xalanc::XalanDOMString> m_Values;
+  const xalanc::XalanDOMString m_NoText;
   xercesc::DOMNode* m_pTop;
   xalanc::XalanDocument* m_pRoot = nullptr;
   xalanc::XalanElement* m_pNoElement = nullptr;  // stands for no node
   xalanc::XalanNode* m_pContext = nullptr;
-  xalanc::XalanNode::IndexType m_lastIndex = 0;
-  int m_asks = 0;
-  long m_steps = 0;
-  bool m_numbered = false;
+  xalanc::XalanNode::IndexType m_LastIndex = 0;
+  int m_Asks = 0;
+  long m_Steps = 0;
+  bool m_Numbered = false;
 
   friend class CWrapped;
 };
