@@ -4,29 +4,59 @@
  * node; a document id stands for its document. Expressions are host strings in the
  * local code page. Every id written is one hand-out, owed back with TSXNodeClose;
  * it is the same id that navigation gives for the node. The evaluation changes
- * nothing and keeps nothing; what it costs beside the search itself is a view of
- * the tree, made for each call.
+ * nothing and keeps nothing: nodes are looked at as the expression reaches them, so
+ * "@id" or "../x[1]" cost the same in a document of any size.
  *
- * Prefixes mean what they mean at the context node, "xml" included; one that is not
- * declared there is a parse error. A name without prefix means no namespace: the
- * default namespace does not apply, so elements in it need a prefix that is
- * declared. In a document that was read with namespaces off, names match as they
- * are written, and any prefix is a parse error. "namespace::*" gives the element's
- * own declarations only.
+ * Names. A prefix means what it means at the context node (at a document: at its
+ * root element); "xml" always has its meaning; one that is not declared there is a
+ * parse error, "xmlns" too. A name without prefix means no namespace: the default
+ * namespace does not apply, so an element in it needs a declared prefix, or
+ * "*[local-name() = 'x']". In a document that was read with namespaces off, names
+ * match as they are written if they have no prefix; any prefix but "xml" is a parse
+ * error, and "*[name() = 'p:x']" finds what is called so. "namespace::*" gives the
+ * declaration attributes in scope, those of ancestors included unless hidden by a
+ * nearer one, without "xml"; their parent is the element that has them. "@*" leaves
+ * declarations out.
  *
- * Not seen through: entity reference nodes ("string()" and "x/text()" miss what is
- * in them, "//text()" finds it). CDATA sections are part of "string()" but never
- * match "text()". An unbound variable inside a predicate is false without a word.
- * The functions of XSLT (key, current, document, generate-id, format-number) do
- * not exist: domErrXPathXSL.
+ * Nodes. Entity references are nodes, and not seen through: "string()" and "x/text()"
+ * miss what is in them, "//text()" finds it. CDATA sections are part of "string()"
+ * but never match "text()". Attributes that the grammar supplied are there like any.
+ * The document type is a child of the document that "node()" matches. Attributes have
+ * no children here. "id()" knows attributes that a grammar declares as ID.
  *
- * Nodes that hang in no document, loose attributes and what is below a fragment are
- * contexts as good as any; "/" then means the top of what they hang in. A fragment
- * itself is no node of XPath's model, and "preceding" and "following" end at the top.
+ * Contexts outside a document. The evaluation stays in the tree that the context
+ * hangs in: "/x" and "//x" search that tree, "following" and "preceding" end with it,
+ * "id()" finds only what hangs in it.
+ *   a fragment, or a node below one   "/" is the fragment
+ *   any other detached node           its top has no parent, and "/" selects nothing
+ *   a loose attribute                 the same; "//@name" finds it
+ *   a node inside an attribute        the attribute is "/" and the last ancestor
+ *   an entity, a notation             trees of their own; what is in an entity is its
+ *                                     children
+ * A document without a root element is searched like any.
  *
- * Limits that hold on a stack of 256 KB, beyond which the answer is domErrXPathParse
- * with a message: 100 brackets open at once, 500 operators, 80 digits in one number.
- * A tree too deep for the thread's stack is domErrXPathXSL with a message. */
+ * Departures. "/" before an operator or a bracket is a parse error: write "(/) | a".
+ * ".[...]" is one, write "self::node()[...]"; so is "- -1". A variable is never bound:
+ * as the whole expression it is domErrXPathConversion, in a predicate it is false
+ * without a word. The functions of XSLT (key, current, document, generate-id,
+ * format-number, system-property, function-available, element-available,
+ * unparsed-entity-uri) do not exist: domErrXPathXSL. The message of a failed
+ * conversion names the expression's type rightly and the wanted one wrongly.
+ *
+ * Limits. Beyond these the answer is domErrXPathParse with a message that begins
+ * "The expression has"; what is within them needs at most 120 KB of stack:
+ *   100 brackets, round or square, open at once
+ *   500 operators in all (or and = != < <= > >= + - * div mod; not "|" and "/")
+ *   80 digits and points in one number
+ * Text in quotes, unions and the number of names are not limited. Beyond these the
+ * answer is domErrXPathXSL with a message:
+ *   a calculated number of more than 80 digits
+ *   a text value taken of a tree deeper, or a path of more steps, than the calling
+ *   thread's stack has room for, at 32 and 150 bytes each after a reserve of 64 KB:
+ *   about 5,800 levels or 1,200 steps on 256 KB, 250,000 levels on 8 MB. Walking a
+ *   tree has no such limit: "//x" and "ancestor::x" work at any depth.
+ * Faulty text takes time with the square of its length: a second at about 10,000
+ * tokens. */
 #ifndef TESSEL_XPATH_H
 #define TESSEL_XPATH_H
 

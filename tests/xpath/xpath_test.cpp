@@ -502,6 +502,91 @@ TEST(XPathErrors, NothingElseGetsOut) {
   EXPECT_EQ(u"m", message);
 }
 
+// -- Forms ---------------------------------------------------------------------------
+
+// "//" is evaluated in a shorter form where that cannot be told from the long one.
+TEST(XPathForms, DescendantsAreThoseOfTheLongForm) {
+  constexpr const char* kExpressions[] = {
+      "//x",
+      "//x[1]",
+      "//x[last()]",
+      "//x[position() = 2]",
+      "//x[@n]",
+      "//x[@n = '1']",
+      "//x[@n = 1][1]",
+      "//x['1']",
+      "//x[1 + 0]",
+      "//x[1 or 0]",
+      "//x[@n * 1]",
+      "//x[x or y]",
+      "//*",
+      "//*[2]",
+      "//node()",
+      "//text()",
+      "//@n",
+      "//child::x[1]",
+      "//self::x",
+      "//..",
+      "//x//y",
+      "//x//x",
+      "y//x[2]",
+      ".//x",
+      "//x | //y[1]",
+      "//x[.//y[1]]",
+      "//x[y//x]/..//y",
+      "//x[count(y) = 1]",
+      "//x[y[1]][2]",
+      "//x[ancestor::x]",
+      "//comment()[. = 'c']",
+      "//or//or[. = 'or']",
+  };
+  const CDocument document = Parse(
+      "<r><x n='1'>t<y n='1'><x n='2'/><x n='1'><y/></x></y></x><y>u<x n='1'/><!--c--><x/></y>"
+      "<or><or>or</or></or></r>");
+  for (const char* pExpression : kExpressions) {
+    std::u16string longForm = Wide(pExpression);
+    for (std::size_t at = 0; (at = longForm.find(u"//", at)) != longForm.npos;) {
+      longForm.replace(at, 2, u"/descendant-or-self::node()/");
+    }
+    DOMNode* pContext = document->getDocumentElement();
+    const CAnswer answer = Ask(pContext, Wide(pExpression));
+    EXPECT_EQ(0, answer.m_Status) << pExpression;
+    EXPECT_EQ(Ask(pContext, longForm).m_Nodes, answer.m_Nodes) << pExpression;
+  }
+  EXPECT_EQ("x", Select(document.get(), "//x[@n = '2' and . != '//y']"));
+}
+
+// Numbers that would end the process in Xalan-C: too long for its buffer, or the
+// smallest integer divided by -1.
+TEST(XPathForms, NumbersCannotEndTheProcess) {
+  const CDocument document =
+      Parse("<a huge='" + Repeat("9", 300) + "' least='-9223372036854775808' minus='-1' i='7'/>");
+  constexpr const char* kTooLong[] = {"string(@huge * 1)",         "concat('', -@huge)",
+                                      "string-length(sum(@huge))", "contains(@huge + 0, '9')",
+                                      "id(round(@huge))",          "string((number(@huge)))"};
+  for (const char* pValue : kTooLong) {
+    EXPECT_EQ("-2767", Select(document.get(), "//a[" + std::string(pValue) + " = 'x']")) << pValue;
+  }
+  EXPECT_EQ("-2768", Select(document.get(), Repeat("9", 100)));
+  constexpr const char* kTrue[] = {"@least mod @minus = 0",
+                                   "@least mod -1 = 0",
+                                   "@i mod -@minus = 0",
+                                   "-@i mod (2 + 2) = -3",
+                                   "@i mod 4 = 3",
+                                   "@i mod -4 = 3",
+                                   "10 - @i mod (8 mod 5) = 9",
+                                   "string(@i * 2) = '14'",
+                                   "concat(@i + 1, '-', @minus, 'x') = '8--1x'",
+                                   "string-length(1 div 4) = 4",
+                                   "string(1 = 1) = 'true'",
+                                   "string(string(@i - 7)) = '0'"};
+  for (const char* pTruth : kTrue) {
+    EXPECT_EQ(std::vector<DOMNode*>{document->getDocumentElement()},
+              Ask(document.get(), u"/a[" + Wide(pTruth) + u"]").m_Nodes)
+        << pTruth;
+  }
+}
+
 // -- Limits --------------------------------------------------------------------------
 
 // What the limits let through must fit a small stack, nested and chained at once.
