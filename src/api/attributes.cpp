@@ -136,6 +136,8 @@ TSXStatus TSXRemoveAttributeNS(TSXRefId element, HStr* namespaceURI, HStr* local
       element, domErrRefRemoveAttributeNS,
       [](auto& e, auto* pURI, auto* pName) {
         auto doomed = CDoomedNodes::Whole(e.getAttributeNodeNS(pURI, pName));
+        // Unlike by name, the DOM leaves the attribute in its index of IDs.
+        if (!domimpl::IsReadOnly(e)) doomed.RemoveFromIndex();
         e.removeAttributeNS(pURI, pName);
         doomed.Withdraw();
       },
@@ -178,6 +180,7 @@ TSXStatus TSXRemoveAttributeNode(TSXRefId element, TSXRefId attribute) {
   if (pAttribute == nullptr) return domErrRefRemoveAttributeNodeArg;
   return CMapsRemoveNode::Run([&] {
     DOMAttr& attr = AsAttribute(*pElement, *pAttribute, DOMException::NOT_FOUND_ERR);
+    domimpl::Refile(attr);
     ReleaseNode(pElement->removeAttributeNode(&attr));
   });
 }

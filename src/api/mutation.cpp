@@ -53,6 +53,26 @@ TSXStatus CreateIn(TSXRefId document, TSXRefId* pNodeOut, TSXStatus badDocument,
 
 bool IsGiven(const HStr* pString) { return *pString != nullptr; }
 
+// A document takes a document type that was free for its own even where it then
+// refuses to insert it; the type's id must go with that document.
+template <class Guard, class Call>
+TSXStatus Attach(DOMNode* pNew, Call attach) {
+  const TSXStatus status = Guard::Run([&] {
+    attach();
+    g_NodeDomMap.DeleteByNode(pNew);
+  });
+  if (pNew->getNodeType() == DOMNode::DOCUMENT_TYPE_NODE) {
+    g_NodeSessMap.InsertDocNodeMapEntry(pNew->getOwnerDocument(), pNew);
+  }
+  return status;
+}
+
+// The DOM looks for the new child from the parent's parent upwards only, and would
+// make a ring of a node that is put into itself.
+void RequireOther(const DOMNode* pParent, const DOMNode* pNew) {
+  if (pNew == pParent) throw DOMException(DOMException::HIERARCHY_REQUEST_ERR);
+}
+
 }  // namespace
 
 TSXStatus TSXCreateElement(TSXRefId document, HStr* tagName, TSXRefId* elementOut) {
@@ -150,10 +170,7 @@ TSXStatus TSXAppendChild(TSXRefId parent, TSXRefId child) {
   auto* pChild = FindObject<DOMNode>(child);
   if (pParent == nullptr) return domErrRefAppendChild;
   if (pChild == nullptr || pChild == pParent) return domErrRefAppendChildArg;
-  return CMapsInsert::Run([&] {
-    pParent->appendChild(pChild);
-    g_NodeDomMap.DeleteByNode(pChild);
-  });
+  return Attach<CMapsInsert>(pChild, [&] { pParent->appendChild(pChild); });
 }
 
 // Contract: the reference child stands before the new child, against the order of
@@ -164,9 +181,9 @@ TSXStatus TSXInsertBefore(TSXRefId parent, TSXRefId referenceChild, TSXRefId new
   auto* pNew = FindObject<DOMNode>(newChild);
   if (pParent == nullptr) return domErrRefImportNode;
   if (pNew == nullptr) return domErrRefImportNodeArg;
-  return CMapsInsertAt::Run([&] {
+  return Attach<CMapsInsertAt>(pNew, [&] {
+    RequireOther(pParent, pNew);
     pParent->insertBefore(pNew, pReference);
-    g_NodeDomMap.DeleteByNode(pNew);
   });
 }
 
@@ -177,9 +194,9 @@ TSXStatus TSXReplaceChild(TSXRefId parent, TSXRefId newChild, TSXRefId oldChild)
   if (pParent == nullptr) return domErrRefReplaceChild;
   if (pNew == nullptr) return domErrRefReplaceChildNew;
   if (pOld == nullptr) return domErrRefReplaceChildOld;
-  return CMapsInsertAt::Run([&] {
+  return Attach<CMapsInsertAt>(pNew, [&] {
+    RequireOther(pParent, pNew);
     pParent->replaceChild(pNew, pOld);
-    g_NodeDomMap.DeleteByNode(pNew);
     // Contract: an entry that the old child had stays; none is made for it.
     g_NodeDomMap.Insert(pOld, g_NodeDomMap.GetDomByNode(pOld));
   });

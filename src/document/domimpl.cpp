@@ -1,8 +1,41 @@
 #include "document/domimpl.h"
 
+#include <algorithm>
 #include <xercesc/dom/impl/DOMAttrImpl.hpp>
 #include <xercesc/dom/impl/DOMCasts.hpp>
+#include <xercesc/dom/impl/DOMNodeIDMap.hpp>
 #include <xercesc/dom/impl/DOMNodeImpl.hpp>
+
+namespace {
+
+using xercesc::DOMAttr;
+using xercesc::DOMNodeIDMap;
+
+// The table of the index is private, and nothing public walks it. An explicit
+// instantiation may name it.
+struct CSlots {
+  using Type = DOMAttr** DOMNodeIDMap::*;
+  friend Type Member(CSlots);
+};
+struct CSize {
+  using Type = XMLSize_t DOMNodeIDMap::*;
+  friend Type Member(CSize);
+};
+template <class Name, typename Name::Type kMember>
+struct CReveal {
+  friend typename Name::Type Member(Name) { return kMember; }
+};
+template struct CReveal<CSlots, &DOMNodeIDMap::fTable>;
+template struct CReveal<CSize, &DOMNodeIDMap::fSize>;
+
+// Marks the attribute's slot, wherever it is, as one that was used.
+void Drop(DOMNodeIDMap& index, const DOMAttr* pAttribute) {
+  DOMAttr** pSlots = index.*Member(CSlots{});
+  std::replace(pSlots, pSlots + index.*Member(CSize{}), const_cast<DOMAttr*>(pAttribute),
+               reinterpret_cast<DOMAttr*>(-1));
+}
+
+}  // namespace
 
 namespace domimpl {
 
@@ -12,7 +45,15 @@ bool IsReadOnly(const xercesc::DOMNode& node) {
 
 bool IsOwned(const xercesc::DOMNode& node) { return xercesc::castToNodeImpl(&node)->isOwned(); }
 
-void RemoveFromIndex(xercesc::DOMAttr& attribute) {
+void Refile(DOMAttr& attribute) {
+  DOMNodeIDMap* pIndex =
+      static_cast<xercesc::DOMDocumentImpl*>(attribute.getOwnerDocument())->getNodeIDMap();
+  if (!attribute.isId() || pIndex->find(attribute.getValue()) == &attribute) return;
+  Drop(*pIndex, &attribute);
+  pIndex->add(&attribute);
+}
+
+void RemoveFromIndex(DOMAttr& attribute) {
   static_cast<xercesc::DOMAttrImpl&>(attribute).removeAttrFromIDNodeMap();
 }
 

@@ -12,6 +12,11 @@ bool IsReadOnly(const xercesc::DOMNode& node);
 // release it.
 bool IsOwned(const xercesc::DOMNode& node);
 
+// Files an ID attribute in its document's index of IDs under the value it has. The DOM
+// files a clone under no value and does not follow an edit of the text below; it then
+// fails to find the entry when the attribute goes, and the entry dangles.
+void Refile(xercesc::DOMAttr& attribute);
+
 // Takes an ID attribute out of its document's index of IDs, where the DOM leaves it
 // when it releases the element.
 void RemoveFromIndex(xercesc::DOMAttr& attribute);

@@ -20,6 +20,13 @@ void ForgetTree(DOMDocument* pDoc) {
   g_NamedNodeMapSessMap.ForgetHeldIn(pDoc);
 }
 
+// The DOM is about to take the attribute out of its index, or to file it anew.
+void RefileIfAttribute(DOMNode& node) {
+  if (node.getNodeType() == DOMNode::ATTRIBUTE_NODE) {
+    domimpl::Refile(static_cast<xercesc::DOMAttr&>(node));
+  }
+}
+
 }  // namespace
 
 CDoomedNodes CDoomedNodes::Whole(DOMNode* pNode) {
@@ -31,6 +38,7 @@ CDoomedNodes CDoomedNodes::Whole(DOMNode* pNode) {
 CDoomedNodes CDoomedNodes::Below(DOMNode* pNode) {
   CDoomedNodes doomed;
   if (pNode == nullptr) return doomed;
+  RefileIfAttribute(*pNode);
   for (DOMNode* pChild = pNode->getFirstChild(); pChild != nullptr;
        pChild = pChild->getNextSibling()) {
     doomed.Collect(pChild);
@@ -39,7 +47,10 @@ CDoomedNodes CDoomedNodes::Below(DOMNode* pNode) {
 }
 
 void CDoomedNodes::Collect(DOMNode* pNode) {
-  nodetree::ForEach(pNode, [this](DOMNode* pDoomed) { m_Nodes.push_back(pDoomed); });
+  nodetree::ForEach(pNode, [this](DOMNode* pDoomed) {
+    RefileIfAttribute(*pDoomed);
+    m_Nodes.push_back(pDoomed);
+  });
 }
 
 void CDoomedNodes::Withdraw() {

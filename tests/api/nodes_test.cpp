@@ -96,6 +96,8 @@ TEST_F(Nodes, RefusalsOfTheDomKeepTheirNumbersWhereListed) {
            TSXImportNode(m_Doc.Id(), other.Id(), &kDeep, &out),
        domErrNotSupported},
       {"append ancestor", TSXAppendChild(m_B, m_Root), domErrHierarchyRequest},
+      {"insert into itself", TSXInsertBefore(m_B, 0, m_B), domErrHierarchyRequest},
+      {"replace by itself", TSXReplaceChild(m_B, m_B, text), domErrHierarchyRequest},
       {"append foreign", TSXAppendChild(m_B, foreign), domErrWrongDocument},
       {"append read-only", TSXAppendChild(m_In, loose), domErrNoModificationAllowed},
       {"insert at stranger", TSXInsertBefore(m_B, m_C, loose), domErrNotFound},
@@ -231,6 +233,33 @@ TEST_F(Nodes, ImportsFragmentsAndReplacements) {
   EXPECT_TRUE(m_Doc.Xml().ends_with("<r a=\"1\"><o><p/></o><c/>&e;</r>")) << m_Doc.Xml();
   m_Doc.Close();
   for (const TSXRefId id : {m_Root, copy, m_C, m_In}) EXPECT_FALSE(Resolves(id));
+}
+
+// An entry left in the index of IDs would name freed memory at the next look.
+TEST_F(Nodes, IdAttributesLeaveTheIndexHoweverTheyGo) {
+  CText id("id"), none, one("1"), two("2");
+  const auto byName = [&](TSXRefId a) { return TSXRemoveAttribute(a, &id); };
+  const auto byNamespace = [&](TSXRefId a) { return TSXRemoveAttributeNS(a, &none, &id); };
+  const auto byNode = [](TSXRefId a) {
+    return TSXRemoveAttributeNode(a, support::Attribute(a, "id"));
+  };
+  const auto check = [&](const char* pWhat, bool editsText, auto remove) {
+    CDoc doc("<!DOCTYPE r [<!ATTLIST a id ID #IMPLIED>]><r><a id='1'/></r>");
+    const TSXRefId a = support::FirstChild(doc.Root());
+    const TSXRefId copy = IdOf(TSXCloneNode, a, &kDeep);
+    if (editsText) {
+      EXPECT_EQ(TSXSetNodeValue(support::FirstChild(support::Attribute(a, "id")), 0, &two), 0);
+    }
+    for (const TSXRefId element : {a, copy}) EXPECT_EQ(remove(element), 0) << pWhat;
+    for (int i = 0; i < 10; ++i) support::SetAttribute(doc.Root(), "n" + std::to_string(i), "1");
+    EXPECT_EQ(IdOf(TSXGetElementById, doc.Id(), &one), 0u) << pWhat;
+    EXPECT_EQ(IdOf(TSXGetElementById, doc.Id(), &two), 0u) << pWhat;
+  };
+  for (const bool editsText : {false, true}) {
+    check("by name", editsText, byName);
+    check("by namespace", editsText, byNamespace);
+    check("by node", editsText, byNode);
+  }
 }
 
 }  // namespace
