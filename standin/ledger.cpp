@@ -6,6 +6,9 @@
 
 #include "mutextrace.h"
 
+constinit thread_local uint64_t t_Thread = 0;
+constinit std::atomic<int64_t> g_Deepest{0};
+
 namespace {
 
 constexpr size_t kCounters = static_cast<size_t>(ECounter::End);
@@ -17,10 +20,8 @@ struct alignas(kCacheLine) SLane {
 };
 
 constinit SLane g_Lanes[kLanes] = {};
-constinit std::atomic<int64_t> g_Deepest{0};
 constinit std::atomic<const char*> g_pLastViolation{nullptr};
 constinit std::atomic<uint64_t> g_LastThread{0};
-constinit thread_local uint64_t t_Thread = 0;
 
 std::atomic<int64_t>& InLane(size_t lane, ECounter counter) {
   return g_Lanes[lane].counters[static_cast<size_t>(counter)];
@@ -42,9 +43,8 @@ void Clear(ECounter counter) {
 
 }  // namespace
 
-uint64_t ThreadNumber() {
-  if (t_Thread == 0) t_Thread = g_LastThread.fetch_add(1, std::memory_order_relaxed) + 1;
-  return t_Thread;
+uint64_t GiveThreadNumber() {
+  return t_Thread = g_LastThread.fetch_add(1, std::memory_order_relaxed) + 1;
 }
 
 void Count(ECounter counter, int64_t change) {
@@ -54,13 +54,6 @@ void Count(ECounter counter, int64_t change) {
 void Violation(const char* pText) {
   g_pLastViolation.store(pText, std::memory_order_relaxed);
   Count(ECounter::Violations, 1);
-}
-
-void NoteDepth(int64_t depth) {
-  int64_t deepest = g_Deepest.load(std::memory_order_relaxed);
-  while (depth > deepest &&
-         !g_Deepest.compare_exchange_weak(deepest, depth, std::memory_order_relaxed)) {
-  }
 }
 
 uint64_t StandinThread() { return ThreadNumber(); }

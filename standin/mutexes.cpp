@@ -12,7 +12,8 @@
 
 // The atomic members may be read by any thread at any time. `pHeldBefore`
 // belongs to the owner: it chains the mutexes that the owner holds, latest first.
-struct alignas(kCacheLine) HostMutexObject {
+// Its slot is a power of two long, which makes finding it cheap.
+struct alignas(2 * kCacheLine) HostMutexObject {
   pthread_mutex_t lock;
   std::atomic<uint64_t> owner;
   std::atomic<const char*> pName;

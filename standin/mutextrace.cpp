@@ -10,6 +10,8 @@
 
 #include "ledger.h"
 
+constinit std::atomic<bool> g_IsTracing{false};
+
 namespace {
 
 using TPair = std::pair<const char*, const char*>;
@@ -22,7 +24,6 @@ struct SMemory {
 };
 
 constinit std::mutex g_Mutex;
-constinit std::atomic<bool> g_Tracing{false};
 
 // Kept to the end of the process and past every destructor.
 SMemory& Memory() {
@@ -37,8 +38,7 @@ const char* KeptName(const char* pName) noexcept {
   return Memory().names.emplace(pName != nullptr ? pName : "").first->c_str();
 }
 
-void NoteMutexEvent(StandinMutexAction action, const char* pName) noexcept {
-  if (!g_Tracing.load(std::memory_order_relaxed)) return;
+void KeepMutexEvent(StandinMutexAction action, const char* pName) noexcept {
   const std::lock_guard lock(g_Mutex);
   Memory().events.push_back({action, pName, ThreadNumber()});
 }
@@ -73,7 +73,7 @@ size_t StandinReadTrace(StandinMutexEvent* events, size_t capacity) {
 void StandinTraceStart() {
   const std::lock_guard lock(g_Mutex);
   Memory().events.clear();
-  g_Tracing.store(true, std::memory_order_relaxed);
+  g_IsTracing.store(true, std::memory_order_relaxed);
 }
 
-void StandinTraceStop() { g_Tracing.store(false, std::memory_order_relaxed); }
+void StandinTraceStop() { g_IsTracing.store(false, std::memory_order_relaxed); }

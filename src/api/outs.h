@@ -21,7 +21,7 @@ class CNodeOut {
     return status;
   }
   TSXStatus Store(xercesc::DOMNode* pNode) {
-    *m_pId = g_NodeSessMap.Insert(pNode);  // one hand-out, owed by the host
+    if (pNode != nullptr) *m_pId = g_NodeSessMap.Insert(pNode);  // one hand-out, owed by the host
     return 0;
   }
 

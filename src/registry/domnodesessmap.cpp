@@ -14,13 +14,15 @@ unsigned long CDOMNodeSessMap::Insert(DOMNode* pNode) {
   DOMDocument* pOwner = pNode->getOwnerDocument();
   const auto loose = m_LooseOwners.find(pNode);
   const bool wasLoose = loose != m_LooseOwners.end();
-  const bool hasOwner = pOwner != nullptr || wasLoose;
   if (pOwner == nullptr && wasLoose) pOwner = loose->second;
+  CSlot slot;
+  SetKind(slot, *pNode);
+  if (pOwner == nullptr && !wasLoose) return Register(pNode, slot);
   // Everything that may throw comes before the first change that would stay.
-  if (hasOwner) m_OwnedBy.try_emplace(pOwner, 0);
-  const unsigned long id = Register(pNode, NewSlot(*pNode));
-  if (hasOwner) Link(id, *m_Slots.Find(id), pOwner);
-  if (wasLoose) m_LooseOwners.erase(pNode);
+  unsigned long& first = FirstOf(pOwner);
+  const unsigned long id = Register(pNode, slot);
+  Link(id, *m_Slots.Find(id), pOwner, first);
+  if (wasLoose) m_LooseOwners.erase(loose);
   return id;
 }
 
@@ -31,10 +33,10 @@ bool CDOMNodeSessMap::DeleteBySess(unsigned long id) {
   if (pSlot == nullptr || !CountBack(*pSlot)) return false;
   if (DOMDocument* pDoc = DocumentOf(*pSlot)) {
     SweepDocument(pDoc);
-  } else {
-    TakeOwner(pSlot->m_pObject);
+  } else if (pSlot->m_HasOwner) {
+    Unlink(*pSlot);
   }
-  Erase(id);
+  Erase(id, *pSlot);
   return true;
 }
 
@@ -58,8 +60,8 @@ void CDOMNodeSessMap::ResetPtr(DOMNode* pNewNode, unsigned long id) {
   if (pSlot == nullptr || pSlot->m_pObject == nullptr) return;
   DOMDocument* pOwner = TakeOwner(pSlot->m_pObject).value_or(nullptr);
   pOwner = TakeOwner(pNewNode).value_or(pOwner);
-  m_PtrToSess.erase(pSlot->m_pObject);
-  m_PtrToSess.emplace(pNewNode, id);
+  m_PtrToSess.Erase(pSlot->m_pObject);
+  if (m_PtrToSess.Find(pNewNode) == 0) m_PtrToSess.Insert(pNewNode, id);
   pSlot->m_pObject = pNewNode;
   pSlot->m_Kind = ENodeKind::kNode;
   if (pNewNode != nullptr) SetKind(*pSlot, *pNewNode);
@@ -70,11 +72,9 @@ void CDOMNodeSessMap::Withdraw(const std::vector<DOMNode*>& nodes) {
   if (nodes.empty()) return;
   CHostLock lock(m_Mutex);
   TakeAdoptions();
-  if (m_PtrToSess.empty()) return;
   for (DOMNode* pNode : nodes) {
     TakeOwner(pNode);
-    const auto found = m_PtrToSess.find(pNode);
-    if (found != m_PtrToSess.end()) Erase(found->second);
+    if (const unsigned long id = m_PtrToSess.Find(pNode)) Erase(id, *m_Slots.Find(id));
   }
 }
 
@@ -94,17 +94,9 @@ void CDOMNodeSessMap::WithdrawDocument(DOMDocument* pDoc) {
 void CDOMNodeSessMap::ForgetDocument(DOMDocument* pDoc) {
   CHostLock lock(m_Mutex);
   TakeAdoptions();
-  TakeList(pDoc, [&](unsigned long, CSlot& slot) TESSEL_REQUIRES(m_Mutex) {
-    m_PtrToSess.erase(slot.m_pObject);
-    slot.m_pObject = nullptr;
-  });
+  TakeList(pDoc,
+           [&](unsigned long, CSlot& slot) TESSEL_REQUIRES(m_Mutex) { CPtrSessMap::Forget(slot); });
   ForgetNode(pDoc);
-}
-
-CDOMNodeSessMap::CSlot CDOMNodeSessMap::NewSlot(DOMNode& node) {
-  CSlot slot;
-  SetKind(slot, node);
-  return slot;
 }
 
 void CDOMNodeSessMap::SetKind(CSlot& slot, DOMNode& node) {
@@ -125,19 +117,19 @@ DOMDocument* CDOMNodeSessMap::DocumentOf(const CSlot& slot) {
 
 void CDOMNodeSessMap::SetOwner(DOMNode* pNode, DOMDocument* pDoc) {
   TakeOwner(pNode);
-  const auto found = m_PtrToSess.find(pNode);
-  if (found == m_PtrToSess.end()) {
-    m_LooseOwners.emplace(pNode, pDoc);
+  if (const unsigned long id = m_PtrToSess.Find(pNode)) {
+    Link(id, *m_Slots.Find(id), pDoc, FirstOf(pDoc));
   } else {
-    Link(found->second, *m_Slots.Find(found->second), pDoc);
+    m_LooseOwners.emplace(pNode, pDoc);
   }
 }
 
 std::optional<DOMDocument*> CDOMNodeSessMap::TakeOwner(DOMNode* pNode) {
-  if (CSlot* pSlot = SlotOf(pNode)) {
-    if (!pSlot->m_HasOwner) return std::nullopt;
-    DOMDocument* pOwner = pSlot->m_pOwner;
-    Unlink(*pSlot);
+  if (const unsigned long id = m_PtrToSess.Find(pNode)) {
+    CSlot& slot = *m_Slots.Find(id);
+    if (!slot.m_HasOwner) return std::nullopt;
+    DOMDocument* pOwner = slot.m_pOwner;
+    Unlink(slot);
     return pOwner;
   }
   const auto loose = m_LooseOwners.find(pNode);
@@ -147,9 +139,11 @@ std::optional<DOMDocument*> CDOMNodeSessMap::TakeOwner(DOMNode* pNode) {
   return pOwner;
 }
 
+// Where a document's list begins; an empty list is kept until it is next unlinked.
+unsigned long& CDOMNodeSessMap::FirstOf(DOMDocument* pDoc) { return m_OwnedBy[pDoc]; }
+
 // In front of the list: the newest id comes first.
-void CDOMNodeSessMap::Link(unsigned long id, CSlot& slot, DOMDocument* pDoc) {
-  unsigned long& first = m_OwnedBy[pDoc];
+void CDOMNodeSessMap::Link(unsigned long id, CSlot& slot, DOMDocument* pDoc, unsigned long& first) {
   slot.m_HasOwner = true;
   slot.m_pOwner = pDoc;
   slot.m_Previous = 0;
@@ -182,22 +176,9 @@ void CDOMNodeSessMap::TakeAdoptions() {
   for (const auto& [pNode, pDoc] : adoptions) SetOwner(pNode, pDoc);
 }
 
-CDOMNodeSessMap::CSlot* CDOMNodeSessMap::SlotOf(DOMNode* pNode) {
-  const auto found = m_PtrToSess.find(pNode);
-  return found != m_PtrToSess.end() ? m_Slots.Find(found->second) : nullptr;
-}
-
-void CDOMNodeSessMap::Erase(unsigned long id) {
-  m_PtrToSess.erase(m_Slots.Find(id)->m_pObject);
-  m_Slots.Erase(id);
-}
-
 void CDOMNodeSessMap::ForgetNode(DOMNode* pNode) {
   TakeOwner(pNode);
-  const auto found = m_PtrToSess.find(pNode);
-  if (found == m_PtrToSess.end()) return;
-  m_Slots.Find(found->second)->m_pObject = nullptr;
-  m_PtrToSess.erase(found);
+  if (const unsigned long id = m_PtrToSess.Find(pNode)) CPtrSessMap::Forget(*m_Slots.Find(id));
 }
 
 template <class Visit>
@@ -218,7 +199,7 @@ void CDOMNodeSessMap::TakeList(DOMDocument* pDoc, Visit visit) {
 
 // Contract: nothing that happens in here stops the close that it is a part of.
 void CDOMNodeSessMap::SweepDocument(DOMDocument* pDoc) {
-  TakeList(pDoc, [&](unsigned long id, CSlot&) TESSEL_REQUIRES(m_Mutex) { Erase(id); });
+  TakeList(pDoc, [&](unsigned long id, CSlot& slot) TESSEL_REQUIRES(m_Mutex) { Erase(id, slot); });
   for (auto loose = m_LooseOwners.begin(); loose != m_LooseOwners.end();) {
     loose = loose->second == pDoc ? m_LooseOwners.erase(loose) : std::next(loose);
   }

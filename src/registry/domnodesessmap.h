@@ -80,7 +80,6 @@ class TESSEL_DATA CDOMNodeSessMap : public CPtrSessMap<xercesc::DOMNode> {
   void ForgetDocument(xercesc::DOMDocument* pDoc);
 
  private:
-  static CSlot NewSlot(xercesc::DOMNode& node);
   static void SetKind(CSlot& slot, xercesc::DOMNode& node);
   // The tree that closing this id takes along; null for a plain node.
   static xercesc::DOMDocument* DocumentOf(const CSlot& slot);
@@ -89,12 +88,12 @@ class TESSEL_DATA CDOMNodeSessMap : public CPtrSessMap<xercesc::DOMNode> {
   // owner is recorded, which differs from a recorded null.
   void SetOwner(xercesc::DOMNode* pNode, xercesc::DOMDocument* pDoc) TESSEL_REQUIRES(m_Mutex);
   std::optional<xercesc::DOMDocument*> TakeOwner(xercesc::DOMNode* pNode) TESSEL_REQUIRES(m_Mutex);
-  void Link(unsigned long id, CSlot& slot, xercesc::DOMDocument* pDoc) TESSEL_REQUIRES(m_Mutex);
+  unsigned long& FirstOf(xercesc::DOMDocument* pDoc) TESSEL_REQUIRES(m_Mutex);
+  void Link(unsigned long id, CSlot& slot, xercesc::DOMDocument* pDoc, unsigned long& first)
+      TESSEL_REQUIRES(m_Mutex);
   void Unlink(CSlot& slot) TESSEL_REQUIRES(m_Mutex);
   void TakeAdoptions() TESSEL_REQUIRES(m_Mutex);
 
-  CSlot* SlotOf(xercesc::DOMNode* pNode) TESSEL_REQUIRES(m_Mutex);
-  void Erase(unsigned long id) TESSEL_REQUIRES(m_Mutex);
   void ForgetNode(xercesc::DOMNode* pNode) TESSEL_REQUIRES(m_Mutex);
 
   // Empties a document's list; each slot goes to `visit` with its id, unlinked.

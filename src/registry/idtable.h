@@ -6,13 +6,14 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 // Ids are issued in ascending order, so the slots of neighbours share a page: a
 // look-up costs a search among pages, not among ids. A page is freed when its last
 // id goes, but never the newest one, which the next ids are for; so the table holds
 // no more than its ids need, however many have come and gone.
 //
-// A default-made slot is a free one; Slot::IsFree tells.
+// A default-made slot is a free one; Slot::IsFree tells, Slot::SetFree makes it one.
 template <class Slot>
 class CIdTable {
  public:
@@ -24,30 +25,32 @@ class CIdTable {
     return slot.IsFree() ? nullptr : &slot;
   }
 
-  // The place for a new id, still free. May throw; Occupy does not.
+  // The place for the newest id, still free. May throw; Occupy does not.
   Slot& Reserve(unsigned long id) {
-    std::unique_ptr<CPage>& page = m_Pages[id / kPageSize];
-    if (page == nullptr) page = std::make_unique<CPage>();
-    return page->m_Slots[id % kPageSize];
+    if (m_pNewest == nullptr || id / kPageSize != m_NewestPage) OpenPage(id / kPageSize);
+    return m_pNewest->m_Slots[id % kPageSize];
   }
 
-  // Fills the place that was reserved for the newest id.
-  void Occupy(unsigned long id, const Slot& slot) noexcept {
-    CPage* pPage = PageOf(id);
-    pPage->m_Slots[id % kPageSize] = slot;
-    ++pPage->m_Used;
-    if (id / kPageSize != m_NewestPage) {
-      const unsigned long left = m_NewestPage;
-      m_NewestPage = id / kPageSize;
-      FreeIfUnused(left);
-    }
+  // Fills the place that was reserved last.
+  Slot& Occupy(unsigned long id, const Slot& slot) noexcept {
+    ++m_pNewest->m_Used;
+    return m_pNewest->m_Slots[id % kPageSize] = slot;
   }
 
   void Erase(unsigned long id) {
     CPage* pPage = PageOf(id);
-    pPage->m_Slots[id % kPageSize] = Slot{};
-    --pPage->m_Used;
-    FreeIfUnused(id / kPageSize);
+    pPage->m_Slots[id % kPageSize].SetFree();
+    if (--pPage->m_Used == 0 && pPage != m_pNewest) ClosePage(id / kPageSize);
+  }
+
+  // Visits every slot in use with its id.
+  template <class Visit>
+  void ForEach(Visit visit) {
+    for (const auto& [number, page] : m_Pages) {
+      for (unsigned long i = 0; i < kPageSize; ++i) {
+        if (!page->m_Slots[i].IsFree()) visit(number * kPageSize + i, page->m_Slots[i]);
+      }
+    }
   }
 
  private:
@@ -58,17 +61,32 @@ class CIdTable {
     unsigned m_Used = 0;
   };
 
+  // Calls for neighbours come in a row: the page of the last one is at hand.
   CPage* PageOf(unsigned long id) const {
-    const auto found = m_Pages.find(id / kPageSize);
-    return found != m_Pages.end() ? found->second.get() : nullptr;
+    const unsigned long number = id / kPageSize;
+    if (m_pLast != nullptr && number == m_LastPage) return m_pLast;
+    const auto found = m_Pages.find(number);
+    if (found == m_Pages.end()) return nullptr;
+    m_LastPage = number;
+    return m_pLast = found->second.get();
   }
 
-  void FreeIfUnused(unsigned long page) {
-    if (page == m_NewestPage) return;
-    const auto found = m_Pages.find(page);
-    if (found != m_Pages.end() && found->second->m_Used == 0) m_Pages.erase(found);
+  void OpenPage(unsigned long number) {
+    std::unique_ptr<CPage>& page = m_Pages[number];
+    if (page == nullptr) page = std::make_unique<CPage>();
+    CPage* pLeft = std::exchange(m_pNewest, page.get());
+    const unsigned long left = std::exchange(m_NewestPage, number);
+    if (pLeft != nullptr && pLeft->m_Used == 0) ClosePage(left);
+  }
+
+  void ClosePage(unsigned long number) {
+    m_Pages.erase(number);
+    if (number == m_LastPage) m_pLast = nullptr;
   }
 
   absl::btree_map<unsigned long, std::unique_ptr<CPage>> m_Pages;
+  CPage* m_pNewest = nullptr;
   unsigned long m_NewestPage = 0;
+  mutable CPage* m_pLast = nullptr;
+  mutable unsigned long m_LastPage = 0;
 };

@@ -1,8 +1,6 @@
 // Reference ids for the objects of one kind.
 #pragma once
 
-#include <absl/container/btree_map.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <span>
@@ -10,6 +8,7 @@
 
 #include "host/hostmutex.h"
 #include "registry/idtable.h"
+#include "registry/pointerindex.h"
 
 // What the exported data objects are made of is visible outside the library.
 #define TESSEL_DATA __attribute__((visibility("default")))
@@ -21,6 +20,7 @@ struct CSessSlot {
   int32_t m_RefCount = 0;
 
   bool IsFree() const { return m_RefCount == 0; }
+  void SetFree() { m_RefCount = 0; }
 };
 
 // What a registry of collections keeps besides: the node whose memory a collection
@@ -59,8 +59,9 @@ class TESSEL_DATA CPtrSessMap {
   unsigned long Insert(T* p) {
     CHostLock lock(m_Mutex);
     if (p == nullptr) return 0;
-    const unsigned long known = CountAgain(p);
-    return known != 0 ? known : Register(p, {});
+    if (const unsigned long known = CountAgain(p)) return known;
+    CSlot slot;
+    return Register(p, slot);
   }
 
   // As Insert, for a collection that goes when `holder` goes.
@@ -77,8 +78,8 @@ class TESSEL_DATA CPtrSessMap {
   // The node that a collection goes with; null for none.
   const xercesc::DOMNode* HolderOf(T* p) {
     CHostLock lock(m_Mutex);
-    const auto found = m_PtrToSess.find(p);
-    return found != m_PtrToSess.end() ? m_Slots.Find(found->second)->m_pHolder : nullptr;
+    const unsigned long id = m_PtrToSess.Find(p);
+    return id != 0 ? m_Slots.Find(id)->m_pHolder : nullptr;
   }
 
   // Keeps the ids of the collections of these nodes, with no object. The nodes are
@@ -105,8 +106,7 @@ class TESSEL_DATA CPtrSessMap {
     CHostLock lock(m_Mutex);
     CSlot* pSlot = m_Slots.Find(id);
     if (pSlot == nullptr || !CountBack(*pSlot)) return false;
-    m_PtrToSess.erase(pSlot->m_pObject);
-    m_Slots.Erase(id);
+    Erase(id, *pSlot);
     return true;
   }
 
@@ -121,7 +121,7 @@ class TESSEL_DATA CPtrSessMap {
   // How many ids name an object at the moment.
   size_t LiveCount() {
     CHostLock lock(m_Mutex);
-    return m_PtrToSess.size();
+    return m_PtrToSess.Size();
   }
 
  protected:
@@ -129,21 +129,31 @@ class TESSEL_DATA CPtrSessMap {
 
   // The id of a known pointer with one more hand-out, 0 for an unknown one.
   unsigned long CountAgain(T* p) TESSEL_REQUIRES(m_Mutex) {
-    const auto found = m_PtrToSess.find(p);
-    if (found == m_PtrToSess.end()) return 0;
-    ++m_Slots.Find(found->second)->m_RefCount;
-    return found->second;
+    const unsigned long id = m_PtrToSess.Find(p);
+    if (id != 0) ++m_Slots.Find(id)->m_RefCount;
+    return id;
   }
 
   // `slot` holds what the registry keeps beside object and count.
-  unsigned long Register(T* p, CSlot slot) TESSEL_REQUIRES(m_Mutex) {
+  unsigned long Register(T* p, CSlot& slot) TESSEL_REQUIRES(m_Mutex) {
     const unsigned long id = NextId();
     m_Slots.Reserve(id);
-    m_PtrToSess.emplace(p, id);
+    m_PtrToSess.Insert(p, id);
     slot.m_pObject = p;
     slot.m_RefCount = 1;
     m_Slots.Occupy(id, slot);
     return id;
+  }
+
+  void Erase(unsigned long id, const CSlot& slot) TESSEL_REQUIRES(m_Mutex) {
+    m_PtrToSess.Erase(slot.m_pObject);
+    m_Slots.Erase(id);
+  }
+
+  // Keeps the id, with no object.
+  void Forget(CSlot& slot) TESSEL_REQUIRES(m_Mutex) {
+    m_PtrToSess.Erase(slot.m_pObject);
+    slot.m_pObject = nullptr;
   }
 
   // True when the last hand-out of a live object comes back; the slot is then the
@@ -155,7 +165,7 @@ class TESSEL_DATA CPtrSessMap {
     return false;
   }
 
-  absl::btree_map<T*, unsigned long> m_PtrToSess TESSEL_GUARDED_BY(m_Mutex);
+  CPointerIndex m_PtrToSess TESSEL_GUARDED_BY(m_Mutex);
   CIdTable<CSlot> m_Slots TESSEL_GUARDED_BY(m_Mutex);
   CHostMutex m_Mutex;
 
@@ -163,15 +173,10 @@ class TESSEL_DATA CPtrSessMap {
   template <class Dies>
   void ForgetIf(Dies dies) {
     CHostLock lock(m_Mutex);
-    for (auto entry = m_PtrToSess.begin(); entry != m_PtrToSess.end();) {
-      CSlot& slot = *m_Slots.Find(entry->second);
-      if (dies(slot)) {
-        slot.m_pObject = nullptr;
-        entry = m_PtrToSess.erase(entry);
-      } else {
-        ++entry;
-      }
-    }
+    if (m_PtrToSess.Size() == 0) return;
+    m_Slots.ForEach([&](unsigned long, CSlot& slot) TESSEL_REQUIRES(m_Mutex) {
+      if (slot.m_pObject != nullptr && dies(slot)) Forget(slot);
+    });
   }
 
   unsigned long NextId() TESSEL_REQUIRES(m_Mutex) {
