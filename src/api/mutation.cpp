@@ -5,6 +5,7 @@
 #include "api/outs.h"
 #include "document/depth.h"
 #include "document/release.h"
+#include "document/takentypes.h"
 
 using xercesc::DOMDocument;
 using xercesc::DOMException;
@@ -53,18 +54,16 @@ TSXStatus CreateIn(TSXRefId document, TSXRefId* pNodeOut, TSXStatus badDocument,
 
 bool IsGiven(const HStr* pString) { return *pString != nullptr; }
 
-// A document takes a document type that was free for its own even where it then
-// refuses to insert it; the type's id must go with that document.
+// Puts a node into a tree, which owns it from then on.
 template <class Guard, class Call>
 TSXStatus Attach(DOMNode* pNew, Call attach) {
+  const COfferedNode offered(pNew);
   const TSXStatus status = Guard::Run([&] {
     attach();
     g_NodeDomMap.DeleteByNode(pNew);
   });
-  if (pNew->getNodeType() == DOMNode::DOCUMENT_TYPE_NODE) {
-    g_NodeSessMap.InsertDocNodeMapEntry(pNew->getOwnerDocument(), pNew);
-  }
-  return status;
+  const TSXStatus tied = Guard::Run([&] { offered.Tie(); });
+  return status != 0 ? status : tied;
 }
 
 // The DOM looks for the new child from the parent's parent upwards only, and would

@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <xercesc/dom/impl/DOMAttrImpl.hpp>
 #include <xercesc/dom/impl/DOMCasts.hpp>
+#include <xercesc/dom/impl/DOMEntityImpl.hpp>
 #include <xercesc/dom/impl/DOMNodeIDMap.hpp>
 #include <xercesc/dom/impl/DOMNodeImpl.hpp>
 
 namespace {
 
 using xercesc::DOMAttr;
+using xercesc::DOMNode;
 using xercesc::DOMNodeIDMap;
 
 // The table of the index is private, and nothing public walks it. An explicit
@@ -61,6 +63,21 @@ void Reclaim(xercesc::DOMNode& item, xercesc::DOMNode& holder) {
   xercesc::DOMNodeImpl* pImpl = xercesc::castToNodeImpl(&item);
   pImpl->fOwnerNode = &holder;
   pImpl->isOwned(true);
+}
+
+bool MayBeModel(const DOMNode& reference) {
+  const xercesc::DOMDocumentType* pType = reference.getOwnerDocument()->getDoctype();
+  if (pType == nullptr) return true;
+  const DOMNode* pEntity = pType->getEntities()->getNamedItem(reference.getNodeName());
+  return pEntity == nullptr ||
+         static_cast<const xercesc::DOMEntityImpl*>(pEntity)->getEntityRef() == &reference;
+}
+
+void Detach(DOMNode& node) {
+  DOMNode* pParent = node.getParentNode();
+  if (pParent == nullptr) return;
+  xercesc::castToNodeImpl(pParent)->setReadOnly(false, false);
+  pParent->removeChild(&node);
 }
 
 }  // namespace domimpl

@@ -25,4 +25,12 @@ void RemoveFromIndex(xercesc::DOMAttr& attribute);
 // free; this marks it as the holder's again.
 void Reclaim(xercesc::DOMNode& item, xercesc::DOMNode& holder);
 
+// Whether this entity reference may be the one that its entity copies its content from,
+// when it is first asked for it, and that later references copy theirs from: the last
+// one that the parser met. An entity that is no longer in its document may have any.
+bool MayBeModel(const xercesc::DOMNode& reference);
+
+// Takes a node out of its parent, if it has one, even of a read-only one.
+void Detach(xercesc::DOMNode& node);
+
 }  // namespace domimpl

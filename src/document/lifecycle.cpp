@@ -6,6 +6,7 @@
 
 #include "document/find.h"
 #include "document/release.h"
+#include "document/takentypes.h"
 #include "host/domowner.h"
 #include "host/guards.h"
 #include "host/text.h"
@@ -55,13 +56,14 @@ CDOMOwner<DOMDocument> CreateTree(DOMImplementation& implementation, const XMLCh
 
 TSXRefId CreateDocument(DOMImplementation& implementation, const XMLCh* pURI, const XMLCh* pName,
                         DOMDocumentType* pType) {
+  const COfferedNode offered(pType);
   CDOMOwner<DOMDocument> tree = CreateTree(implementation, pURI, pName, pType);
   if (tree == nullptr) return 0;
   CNewDocument document;
   document.Adopt(tree.release());
   document.Enter();
   const TSXRefId id = document.Register();
-  if (pType != nullptr) g_NodeSessMap.InsertDocNodeMapEntry(pType->getOwnerDocument(), pType);
+  offered.Tie();
   document.Keep();
   return id;
 }
@@ -72,8 +74,7 @@ void ReleaseUnowned(const CDOMNodeSessMap::CEntry& entry) {
   DOMNode* pNode = entry.m_pNode;
   if (entry.m_Kind == ENodeKind::kBareDocument) {
     if (g_NodeDomMap.GetDomByNode(pNode) == nullptr) ReleaseTree(dynamic_cast<DOMDocument*>(pNode));
-  } else if (pNode->getNodeType() == DOMNode::DOCUMENT_TYPE_NODE &&
-             pNode->getOwnerDocument() == nullptr) {
+  } else if (COfferedNode::IsFreeType(*pNode)) {
     ReleaseNode(pNode);
   }
 }

@@ -4,6 +4,7 @@
 
 #include "document/depth.h"
 #include "document/domimpl.h"
+#include "document/takentypes.h"
 #include "document/xercesdom.h"
 #include "registry/globals.h"
 #include "registry/nodetree.h"
@@ -13,11 +14,15 @@ using xercesc::DOMNode;
 
 namespace {
 
-// What is remembered of a whole tree beside its nodes' ids.
+// What is remembered of a whole tree beside its nodes' ids, and what the DOM would
+// not free with it.
 void ForgetTree(DOMDocument* pDoc) {
   g_NodeDomMap.DeleteByTree(pDoc);
   g_NodeListSessMap.ForgetHeldIn(pDoc);
   g_NamedNodeMapSessMap.ForgetHeldIn(pDoc);
+  for (DOMNode* pType : takentypes::TakeOf(pDoc)) {
+    if (!domimpl::IsOwned(*pType)) ReleaseNode(pType);
+  }
 }
 
 // The DOM is about to take the attribute out of its index, or to file it anew.
@@ -70,6 +75,21 @@ void CDoomedNodes::RemoveFromIndex() const {
   }
 }
 
+bool CDoomedNodes::LeaveModels() const {
+  const auto isModel = [](const DOMNode* pNode) {
+    return pNode->getNodeType() == DOMNode::ENTITY_REFERENCE_NODE && domimpl::MayBeModel(*pNode);
+  };
+  std::vector<DOMNode*> models;
+  for (DOMNode* pNode : m_Nodes) {
+    if (!isModel(pNode)) continue;
+    const DOMNode* pUp = pNode->getParentNode();
+    while (pUp != nullptr && !isModel(pUp)) pUp = pUp->getParentNode();
+    if (pUp == nullptr) models.push_back(pNode);
+  }
+  for (DOMNode* pModel : models) domimpl::Detach(*pModel);
+  return models.empty() || models.front() != m_Nodes.front();
+}
+
 void ReleaseNode(DOMNode* pNode) {
   if (domimpl::IsOwned(*pNode)) {
     pNode->release();  // throws, and nothing has changed
@@ -77,9 +97,13 @@ void ReleaseNode(DOMNode* pNode) {
   }
   CDoomedNodes doomed = CDoomedNodes::Whole(pNode);
   doomed.RemoveFromIndex();
-  depth::Release(*pNode);
+  takentypes::Forget(*pNode);
+  // A document type may lie in the heap that all threads share: withdrawn first, as
+  // whole trees are.
+  const bool mayGo = doomed.LeaveModels();
   g_NodeSessMap.Forget(pNode);
   doomed.Withdraw();
+  if (mayGo) depth::Release(*pNode);
 }
 
 // A document's memory goes back to the heap that all threads share, so what

@@ -262,4 +262,44 @@ TEST_F(Nodes, IdAttributesLeaveTheIndexHoweverTheyGo) {
   }
 }
 
+TEST_F(Nodes, FreeDocumentTypeGoesWithTheDocumentThatTookIt) {
+  CText name("r"), none;
+  const TSXRefId implementation = IdOf(TSXGetImplementation, m_Doc.Id(), uint64_t{0});
+  const auto create = [&] {
+    return IdOf(TSXCreateDocumentType, implementation, &name, &none, &none);
+  };
+  CDoc taker("<r/>");
+  const TSXRefId refused = create(), removed = create(), replaced = create(), last = create();
+  EXPECT_EQ(TSXAppendChild(m_Doc.Id(), refused), domErrHierarchyRequest) << "it has one";
+  EXPECT_EQ(TSXInsertBefore(taker.Id(), m_B, refused), domErrNotFound) << "but taken by then";
+  EXPECT_EQ(TSXAppendChild(taker.Id(), removed), 0);
+  EXPECT_EQ(IdOf(TSXGetDocType, taker.Id(), uint64_t{0}), removed);  // so that it outlives
+  EXPECT_EQ(TSXRemoveChild(taker.Id(), removed), 0);
+  EXPECT_EQ(TSXAppendChild(taker.Id(), replaced), 0);
+  EXPECT_EQ(TSXReplaceChild(taker.Id(), last, replaced), 0);
+  m_Doc.Close();
+  for (const TSXRefId type : {refused, removed, replaced, last}) EXPECT_TRUE(Resolves(type));
+  taker.Close();  // a leak shows under the sanitizer
+  for (const TSXRefId type : {refused, removed, replaced, last}) EXPECT_FALSE(Resolves(type));
+  TSXImplementationClose(implementation);
+}
+
+// An entity copies its content from the last reference in the text, when it is first
+// asked for it, which may be after that reference has gone.
+TEST_F(Nodes, EntityOutlivesItsReferences) {
+  CDoc doc(
+      "<!DOCTYPE r [<!ENTITY f 'in'><!ENTITY e '<b>&f;</b>'><!ENTITY other 'o'>]>"
+      "<r>&e;<a>&e;</a>&other;</r>");
+  const TSXRefId reference = support::FirstChild(doc.Root());
+  const TSXRefId a = support::NextSibling(reference);
+  for (const TSXRefId node : {a, reference}) EXPECT_EQ(TSXRemoveChild(doc.Root(), node), 0);
+  CText e("e"), other("other");
+  for (int i = 0; i < 5; ++i) IdOf(TSXCreateEntityReference, doc.Id(), &other);
+  EXPECT_EQ(TextOf(TSXGetText, IdOf(TSXCreateEntityReference, doc.Id(), &e)), "in");
+  const TSXRefId type = IdOf(TSXGetDocType, doc.Id(), uint64_t{0});
+  const TSXRefId map = IdOf(TSXGetEntities, type, uint64_t{0});
+  EXPECT_EQ(TextOf(TSXGetText, IdOf(TSXGetNamedItem, map, &e)), "in");
+  TSXNamedNodeMapClose(map);
+}
+
 }  // namespace
