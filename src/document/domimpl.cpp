@@ -34,7 +34,7 @@ template struct CReveal<CSize, &DOMNodeIDMap::fSize>;
 void Drop(DOMNodeIDMap& index, const DOMAttr* pAttribute) {
   DOMAttr** pSlots = index.*Member(CSlots{});
   std::replace(pSlots, pSlots + index.*Member(CSize{}), const_cast<DOMAttr*>(pAttribute),
-               reinterpret_cast<DOMAttr*>(-1));
+               reinterpret_cast<DOMAttr*>(-1));  // NOLINT(performance-no-int-to-ptr): its mark
 }
 
 }  // namespace

@@ -43,12 +43,12 @@ class CIdTable {
     if (--pPage->m_Used == 0 && pPage != m_pNewest) ClosePage(id / kPageSize);
   }
 
-  // Visits every slot in use with its id.
+  // Visits every slot in use.
   template <class Visit>
   void ForEach(Visit visit) {
-    for (const auto& [number, page] : m_Pages) {
-      for (unsigned long i = 0; i < kPageSize; ++i) {
-        if (!page->m_Slots[i].IsFree()) visit(number * kPageSize + i, page->m_Slots[i]);
+    for (const auto& entry : m_Pages) {
+      for (Slot& slot : entry.second->m_Slots) {
+        if (!slot.IsFree()) visit(slot);
       }
     }
   }

@@ -174,8 +174,15 @@ class TESSEL_DATA CPtrSessMap {
   void ForgetIf(Dies dies) {
     CHostLock lock(m_Mutex);
     if (m_PtrToSess.Size() == 0) return;
-    m_Slots.ForEach([&](unsigned long, CSlot& slot) TESSEL_REQUIRES(m_Mutex) {
-      if (slot.m_pObject != nullptr && dies(slot)) Forget(slot);
+    ForgetIn(m_PtrToSess, m_Slots, dies);
+  }
+
+  template <class Dies>
+  static void ForgetIn(CPointerIndex& index, CIdTable<CSlot>& slots, Dies dies) {
+    slots.ForEach([&](CSlot& slot) {
+      if (slot.m_pObject == nullptr || !dies(slot)) return;
+      index.Erase(slot.m_pObject);
+      slot.m_pObject = nullptr;
     });
   }
 
