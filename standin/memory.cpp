@@ -25,8 +25,18 @@ constexpr size_t kStringHeader = offsetof(HStrRecord, bytes);
 // No heap can grant more, and some checking ones abort on the attempt.
 bool IsTooLarge(size_t size) { return size > std::numeric_limits<ptrdiff_t>::max(); }
 
-// The heap may answer null to a request for nothing.
-size_t AtLeastOne(size_t size) { return std::max<size_t>(size, 1); }
+// What a block of a size takes on the heap, which rounds as well: most resizes of a
+// short string stay in place. Exact under a checking heap, which is to see the end of
+// the block. It may answer null to a request for nothing.
+#ifdef TESSEL_STANDIN_EXACT
+size_t Capacity(size_t size) { return std::max<size_t>(size, 1); }
+#else
+size_t Capacity(size_t size) {
+  constexpr size_t kStep = 32;
+  constexpr size_t kHeapHeader = 8;
+  return (size + kHeapHeader + kStep - 1) / kStep * kStep - kHeapHeader;
+}
+#endif
 
 // Volatile, because the compiler drops plain stores to a block that is freed next.
 void FillWithJunk(volatile unsigned char* pBytes, size_t count) {
@@ -34,7 +44,7 @@ void FillWithJunk(volatile unsigned char* pBytes, size_t count) {
 }
 
 unsigned char* PlainBytes(size_t size) {
-  auto* pBytes = static_cast<unsigned char*>(std::malloc(AtLeastOne(size)));
+  auto* pBytes = static_cast<unsigned char*>(std::malloc(Capacity(size)));
   if (pBytes != nullptr && Moving()) FillWithJunk(pBytes, size);
   return pBytes;
 }
@@ -50,7 +60,8 @@ unsigned char* MovedBytes(const SBlock& block, size_t size) {
 
 unsigned char* ResizedBytes(const SBlock& block, size_t size) {
   if (Moving()) return MovedBytes(block, size);
-  return static_cast<unsigned char*>(std::realloc(block.pBytes, AtLeastOne(size)));
+  if (Capacity(size) == Capacity(block.size)) return block.pBytes;
+  return static_cast<unsigned char*>(std::realloc(block.pBytes, Capacity(size)));
 }
 
 // A new handle that owns the bytes; null for null.
@@ -90,7 +101,7 @@ HostHandle HostNewHandle(size_t size) {
 
 HostHandle HostNewHandleClear(size_t size) {
   if (RefuseAllocation() || IsTooLarge(size)) return nullptr;
-  return Adopt(static_cast<unsigned char*>(std::calloc(AtLeastOne(size), 1)), size);
+  return Adopt(static_cast<unsigned char*>(std::calloc(Capacity(size), 1)), size);
 }
 
 int32_t HostSetHandleSize(HostHandle handle, size_t size) {
