@@ -3,48 +3,95 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstring>
 #include <limits>
+
+#include "host/utf8.h"
 
 namespace {
 
-constexpr unsigned kAsciiEnd = 0x80;
+using xercesc::XMLString;
 
-// Whether the local code page has ASCII at its place, in both directions, so that
-// ASCII text need not go through the transcoder. Asked of the transcoder itself.
-bool AsciiIsPlain() {
-  static const bool s_IsPlain = [] {
-    std::array<char, kAsciiEnd> narrow{};
-    std::array<XMLCh, kAsciiEnd> wide{};
-    for (unsigned i = 0; i + 1 < kAsciiEnd; ++i) {
-      narrow[i] = static_cast<char>(i + 1);
-      wide[i] = static_cast<XMLCh>(i + 1);
-    }
-    return xercesc::XMLString::equals(CWideText(narrow.data()).Get(), wide.data()) &&
-           xercesc::XMLString::equals(CLocalText(wide.data()).Get(), narrow.data());
-  }();
-  return s_IsPlain;
+// What is known of the local code page, so that text need not go through the
+// transcoder: nothing, ASCII at its place in both directions, or UTF-8.
+enum class ECodePage { kForeign, kAscii, kUtf8 };
+
+bool TranscodesTo(const XMLCh* pWide, const char* pNarrow) {
+  return XMLString::equals(CWideText(pNarrow).Get(), pWide) &&
+         XMLString::equals(CLocalText(pWide).Get(), pNarrow);
 }
 
-// Text is looked at and copied in blocks without an early way out, which the
-// compiler turns into vector code.
-constexpr size_t kBlock = 64;
-
-template <class Unit>
-bool IsAscii(const Unit* pText, size_t count) {
-  size_t at = 0;
-  for (; at + kBlock <= count; at += kBlock) {
-    unsigned bits = 0;
-    for (size_t i = 0; i < kBlock; ++i) bits |= pText[at + i];
-    if (bits >= kAsciiEnd) return false;
+bool HasPlainAscii() {
+  std::array<char, utf8::kAsciiEnd> narrow{};
+  std::array<XMLCh, utf8::kAsciiEnd> wide{};
+  for (unsigned i = 0; i + 1 < utf8::kAsciiEnd; ++i) {
+    narrow[i] = static_cast<char>(i + 1);
+    wide[i] = static_cast<XMLCh>(i + 1);
   }
-  unsigned bits = 0;
-  for (; at < count; ++at) bits |= pText[at];
-  return bits < kAsciiEnd;
+  return TranscodesTo(wide.data(), narrow.data());
 }
 
-template <class From, class To>
-void Copy(const From* pFrom, size_t count, To* pTo) {
-  for (size_t i = 0; i < count; ++i) pTo[i] = static_cast<To>(pFrom[i]);
+// A mark in front, the first and last codes of every length, and some between: no
+// other encoding, nor a variant of this one, has them all so.
+#define TESSEL_SAMPLE(prefix) \
+  prefix##"\uFEFFa\u00A0\u00E9\u07FF\u0800\u20AC\u8A9E\uD7FF\uE000\uFEFF\uFFFD\uFFFE\uFFFF" \
+         "\U00010000\U0001F600\U000FFFFF\U00100000\U0010FFFFz"
+bool HasUtf8() {
+  const auto& wide = TESSEL_SAMPLE(u);
+  const auto& narrow = TESSEL_SAMPLE(u8);
+  return TranscodesTo(wide, reinterpret_cast<const char*>(narrow));
+}
+#undef TESSEL_SAMPLE
+
+// Asked of the transcoder itself, which stays the same once it is made.
+ECodePage CodePage() {
+  static const ECodePage s_CodePage = [] {
+    if (!HasPlainAscii()) return ECodePage::kForeign;
+    return HasUtf8() ? ECodePage::kUtf8 : ECodePage::kAscii;
+  }();
+  return s_CodePage;
+}
+
+// The text is looked at in blocks without an early way out, which the compiler turns
+// into vector code.
+bool IsAscii(const unsigned char* pText, size_t count) {
+  constexpr size_t kBlock = 64;
+  for (size_t at = 0; at < count; at += kBlock) {
+    unsigned bits = 0;
+    const size_t end = std::min(at + kBlock, count);
+    for (size_t i = at; i < end; ++i) bits |= pText[i];
+    if (bits >= utf8::kAsciiEnd) return false;
+  }
+  return true;
+}
+
+// The bytes of a string up to the first NUL.
+struct CBytes {
+  const unsigned char* m_pBytes;
+  size_t m_Count;
+};
+CBytes BytesOf(const HStr* pString) {
+  const HStr handle = pString != nullptr ? *pString : nullptr;
+  if (handle == nullptr || (*handle)->count <= 0) return {nullptr, 0};
+  const auto* pBytes =
+      reinterpret_cast<const unsigned char*>(*handle) + offsetof(HStrRecord, bytes);
+  const auto count = static_cast<size_t>((*handle)->count);
+  const auto* pNul = static_cast<const unsigned char*>(std::memchr(pBytes, 0, count));
+  return {pBytes, pNul != nullptr ? static_cast<size_t>(pNul - pBytes) : count};
+}
+
+struct CUnits {
+  size_t m_Count = 0;
+  bool m_IsAscii = false;
+};
+CUnits UnitsOf(const XMLCh* pText) {
+  size_t count = 0;
+  unsigned bits = 0;
+  while (const unsigned unit = pText[count]) {
+    bits |= unit;
+    ++count;
+  }
+  return {count, bits < utf8::kAsciiEnd};
 }
 
 // What the transcoder and the C string routines make of it.
@@ -52,51 +99,67 @@ int32_t StoreTranscoded(const XMLCh* pText, HStr* pString) {
   return CStrToHStr(CLocalText(pText).Get(), pString);
 }
 
-int32_t StoreAscii(const XMLCh* pText, size_t count, HStr* pString) {
-  constexpr size_t kShort = 256;
-  std::array<char, kShort> shortText;
-  std::unique_ptr<char[]> longText;
-  char* pBytes = shortText.data();
-  if (count > kShort) {
-    longText = std::make_unique_for_overwrite<char[]>(count);
-    pBytes = longText.get();
+// Gives the string room for `size` bytes and has them written straight into it.
+template <class Write>
+int32_t StoreBytes(size_t size, HStr* pString, Write write) {
+  constexpr size_t kHeader = offsetof(HStrRecord, bytes);
+  const int32_t status = domSetHandleSizeOrNewHandle(pString, static_cast<int32_t>(kHeader + size));
+  if (status != 0) {
+    ClearString(pString);
+    return status;
   }
-  Copy(pText, count, pBytes);
-  const int32_t status = HostStringFromPtr(pString, static_cast<int32_t>(count), pBytes);
-  if (status != 0) ClearString(pString);
-  return status;
+  (**pString)->count = static_cast<int32_t>(size);
+  write(reinterpret_cast<unsigned char*>(**pString) + kHeader);
+  return 0;
 }
+
+// The most bytes that StoreBytes can count; the longest code takes three bytes a unit.
+constexpr size_t kMostBytes = size_t{std::numeric_limits<int32_t>::max()} - sizeof(int32_t);
+constexpr size_t kMostUnits = kMostBytes / 3;
 
 }  // namespace
 
 CWideText::CWideText(HStr* pString) {
-  const HStr handle = pString != nullptr ? *pString : nullptr;
-  const auto* pBytes = handle != nullptr ? (*handle)->bytes : nullptr;
-  const size_t whole = handle != nullptr ? static_cast<size_t>(std::max((*handle)->count, 0)) : 0;
-  const size_t count = static_cast<size_t>(std::find(pBytes, pBytes + whole, 0) - pBytes);
-  if (AsciiIsPlain() && IsAscii(pBytes, count)) {
-    Widen(pBytes, count);
-  } else {
-    m_pTranscoded.reset(xercesc::XMLString::transcode(CHostText(pString).Get()));
+  const CBytes bytes = BytesOf(pString);
+  if (CodePage() != ECodePage::kForeign && IsAscii(bytes.m_pBytes, bytes.m_Count)) {
+    XMLCh* pText = Allocate(bytes.m_Count);
+    utf8::CopyAscii(bytes.m_pBytes, bytes.m_Count, pText);
+    pText[bytes.m_Count] = 0;
+  } else if (!(CodePage() == ECodePage::kUtf8 && Decode(bytes.m_pBytes, bytes.m_Count))) {
+    m_pTranscoded.reset(XMLString::transcode(CHostText(pString).Get()));
     m_pText = m_pTranscoded.get();
   }
 }
 
-void CWideText::Widen(const unsigned char* pBytes, size_t count) {
+XMLCh* CWideText::Allocate(size_t count) {
   XMLCh* pText = m_Short;
   if (count >= kShort) {
     m_pLong = std::make_unique_for_overwrite<XMLCh[]>(count + 1);
     pText = m_pLong.get();
   }
-  Copy(pBytes, count, pText);
-  pText[count] = 0;
   m_pText = pText;
+  return pText;
+}
+
+bool CWideText::Decode(const unsigned char* pBytes, size_t count) {
+  XMLCh* pText = Allocate(count);
+  const auto units = utf8::Decode(pBytes, count, pText);
+  if (units) pText[*units] = 0;
+  return units.has_value();
 }
 
 int32_t StoreText(const XMLCh* pText, HStr* pString) {
-  if (pText == nullptr) return CStrToHStr(nullptr, pString);
-  const size_t count = xercesc::XMLString::stringLen(pText);
-  const bool fits = count <= static_cast<size_t>(std::numeric_limits<int32_t>::max());
-  if (!fits || !AsciiIsPlain() || !IsAscii(pText, count)) return StoreTranscoded(pText, pString);
-  return StoreAscii(pText, count, pString);
+  if (pText == nullptr || pString == nullptr) return StoreTranscoded(pText, pString);
+  const CUnits units = UnitsOf(pText);
+  if (units.m_IsAscii && units.m_Count <= kMostBytes && CodePage() != ECodePage::kForeign) {
+    return StoreBytes(units.m_Count, pString,
+                      [&](unsigned char* pTo) { utf8::CopyAscii(pText, units.m_Count, pTo); });
+  }
+  if (units.m_Count <= kMostUnits && CodePage() == ECodePage::kUtf8) {
+    if (const auto size = utf8::EncodedSize(pText, units.m_Count)) {
+      return StoreBytes(*size, pString,
+                        [&](unsigned char* pTo) { utf8::Encode(pText, units.m_Count, pTo); });
+    }
+  }
+  return StoreTranscoded(pText, pString);
 }

@@ -23,7 +23,7 @@ struct CXercesRelease {
 };
 
 // UTF-16 text made from a host string in the local code page, cut at its first NUL
-// byte. ASCII is widened in place; all else is the transcoder's.
+// byte. ASCII and well-formed UTF-8 are decoded in place; all else is the transcoder's.
 class CWideText {
  public:
   explicit CWideText(HStr* pString);
@@ -38,7 +38,10 @@ class CWideText {
  private:
   static constexpr size_t kShort = 48;  // most names fit: no allocation
 
-  void Widen(const unsigned char* pBytes, size_t count);
+  // Room for `count` units and a NUL.
+  XMLCh* Allocate(size_t count);
+  // False where the bytes are not UTF-8.
+  bool Decode(const unsigned char* pBytes, size_t count);
 
   XMLCh m_Short[kShort];
   std::unique_ptr<XMLCh[]> m_pLong;

@@ -90,34 +90,124 @@ TEST_F(Values, RefusedMemoryIsCodeTwoAndLosesNothing) {
   EXPECT_EQ(kept.Str(), "kept");
   EXPECT_EQ(CStrToHStr("much longer than before", &kept), 2);
   EXPECT_TRUE(kept.IsNull()) << "no half-made string stays";
-  CText other;
-  EXPECT_EQ(StoreText(u"text", &other), 2);
-  EXPECT_TRUE(other.IsNull());
+  for (const char16_t* pText : {u"text", u"t\u00e9xt", u"t\xd800xt"}) {
+    StandinFailAllocation(0);
+    CText other, shorter("");
+    StandinFailAllocationsFrom(1);
+    EXPECT_EQ(StoreText(pText, &other), 2);
+    EXPECT_TRUE(other.IsNull());
+    EXPECT_EQ(StoreText(pText, &shorter), 2);
+    EXPECT_TRUE(shorter.IsNull());
+    EXPECT_EQ(StoreText(pText, nullptr), 1);
+  }
   StandinFailAllocation(0);
 }
 
-// ASCII takes a short cut around the transcoder: every text must come out as the
-// transcoder itself gives it, at the lengths where the short cut changes buffers.
-TEST_F(Values, ShortCutsGiveWhatTheTranscoderGives) {
-  std::mt19937 random(1);
-  const char16_t units[] = {u'a', u'~', 1, 0x7f, 0x80, 0xe9, 0x20ac, 0xd83d, 0xde00, 0xffff};
-  const unsigned char bytes[] = {'a', '~', 1, 0x7f, 0x80, 0xc3, 0xa9, 0xff, 0xf0, 0x9f, 0};
-  for (const size_t length : {0u, 1u, 47u, 48u, 63u, 64u, 65u, 255u, 256u, 257u, 1000u}) {
-    for (int round = 0; round < 40; ++round) {
-      // Every other text is ASCII but for one unit, or altogether.
-      std::u16string wide(length, u'x');
-      std::string narrow(length, 'x');
-      for (size_t i = 0; i < length; ++i) {
-        if (round % 2 != 0 && i + 1 != length) continue;
-        wide[i] = units[random() % std::size(units)];
-        narrow[i] = static_cast<char>(bytes[random() % std::size(bytes)]);
+// Text takes short cuts around the transcoder: every text must come out as the
+// transcoder itself gives it, whatever the local code page is.
+class ShortCuts : public Values {
+ protected:
+  static void ExpectOut(const std::u16string& text) {
+    CText ours, theirs;
+    ASSERT_EQ(StoreText(text.c_str(), &ours), 0);
+    ASSERT_EQ(CStrToHStr(CLocalText(text.c_str()).Get(), &theirs), 0);
+    ASSERT_EQ(ours.Str(), theirs.Str()) << testing::PrintToString(text);
+    ASSERT_EQ(HostGetHandleSize(*(&ours)), 4 + ours.Str().size());
+  }
+
+  // The transcoder has no text at all for what it refuses.
+  static void ExpectIn(std::string_view text) {
+    CText in(text);
+    const CWideText ours(&in), theirs(CHostText(&in).Get());
+    ASSERT_EQ(ours.Get() == nullptr, theirs.Get() == nullptr);
+    if (ours.Get() == nullptr) return;
+    ASSERT_TRUE(xercesc::XMLString::equals(ours.Get(), theirs.Get()))
+        << testing::PrintToString(text);
+  }
+
+  // The text, and what the transcoder makes of it.
+  static void ExpectBothWays(const std::u16string& text) {
+    ExpectOut(text);
+    const CLocalText local(text.c_str());
+    if (local.Get() != nullptr) ExpectIn(local.Get());
+  }
+};
+
+TEST_F(ShortCuts, EveryCodeGoesBothWays) {
+  constexpr char32_t kTogether = 64;
+  for (char32_t first = 0; first < 0x110000; first += kTogether) {
+    std::u16string text;
+    for (char32_t code = first; code < first + kTogether; ++code) {
+      if (code == 0 || (code & ~0x7FFu) == 0xD800) continue;
+      if (code < 0x10000) {
+        text += static_cast<char16_t>(code);
+      } else {
+        text += static_cast<char16_t>(0xD7C0 + (code >> 10));
+        text += static_cast<char16_t>(0xDC00 + (code & 0x3FF));
       }
-      CText ours, theirs, in(narrow);
-      EXPECT_EQ(StoreText(wide.c_str(), &ours), 0);
-      EXPECT_EQ(CStrToHStr(CLocalText(wide.c_str()).Get(), &theirs), 0);
-      EXPECT_EQ(ours.Str(), theirs.Str());
-      EXPECT_EQ(std::u16string(CWideText(&in).Get()),
-                std::u16string(CWideText(CHostText(&in).Get()).Get()));
+    }
+    ExpectBothWays(text);
+    if (HasFatalFailure()) return;
+  }
+}
+
+TEST_F(ShortCuts, EveryLoneSurrogateIsTheTranscoders) {
+  for (char16_t unit = 0xD800; unit < 0xE000; ++unit) {
+    const std::u16string one(1, unit);
+    for (const std::u16string& text :
+         {one, u"a" + one, one + u"\u8a9e", one + one, one + u"\xdc00", u"\xd800" + one,
+          std::u16string(255, u'x') + one + u"y", std::u16string(256, u'x') + one}) {
+      ExpectBothWays(text);
+    }
+    if (HasFatalFailure()) return;
+  }
+}
+
+// All pairs of bytes, and longer ones of those where the rules change.
+TEST_F(ShortCuts, BrokenBytesAreTheTranscoders) {
+  for (int first = 0; first < 0x100; ++first) {
+    for (int second = 0; second < 0x100; ++second) {
+      ExpectIn(std::string{static_cast<char>(first), static_cast<char>(second)});
+    }
+    if (HasFatalFailure()) return;
+  }
+  const std::string edges =
+      "A\x7f\x80\x8f\x90\x9f\xa0\xbf\xc1\xc2\xdf\xe0\xe1\xec\xed\xef\xf0\xf3\xf4\xf5\xf8\xff";
+  const std::string leads = "\xe0\xe1\xed\xef\xf0\xf1\xf4\xf5\xf8";
+  for (const char lead : leads) {
+    for (const char second : edges) {
+      for (const char third : edges) {
+        for (const char fourth : edges) ExpectIn(std::string{lead, second, third, fourth});
+        ExpectIn(std::string{lead, second, third});
+      }
+    }
+    if (HasFatalFailure()) return;
+  }
+}
+
+// At the lengths where buffers and blocks change; every other text is of one kind but
+// for its last unit.
+TEST_F(ShortCuts, MixedTextsGoBothWays) {
+  std::mt19937 random(1);
+  const char16_t units[] = {u'a', u'~', 1, 0x7f, 0x80, 0xe9, 0x7ff, 0x20ac, 0xd83d, 0xde00, 0xffff};
+  const std::string pieces[] = {"a", "\x7f", "\xc3\xa9", "\xe8\xaa\x9e", "\xf0\x9f\x98\x80"};
+  const std::string broken[] = {"\xc3", "\xe8\xaa", "\xf0\x9f\x98", "\xa9", std::string(1, '\0')};
+  for (const size_t length : {0u, 1u, 15u, 16u, 17u, 47u, 48u, 63u, 64u, 65u, 255u, 256u, 1000u}) {
+    for (int round = 0; round < 60; ++round) {
+      std::u16string wide(length, round % 4 == 0 ? u'x' : u'\u8a9e');
+      std::string narrow;
+      for (size_t i = 0; i < length; ++i) {
+        const bool any = round % 2 != 0 || i + 1 == length;
+        if (any) wide[i] = units[random() % std::size(units)];
+        narrow += any              ? pieces[random() % std::size(pieces)]
+                  : round % 4 == 0 ? "x"
+                                   : "\xe8\xaa\x9e";
+      }
+      ExpectBothWays(wide);
+      ExpectIn(narrow);
+      ExpectIn(narrow + broken[random() % std::size(broken)] + "z");
+      ExpectIn(narrow + broken[random() % std::size(broken)]);
+      if (HasFatalFailure()) return;
     }
   }
 }
