@@ -2,20 +2,20 @@
 #include <tessel/status.h>
 
 #include <limits>
+#include <optional>
 #include <xercesc/dom/DOMImplementationRegistry.hpp>
-#include <xercesc/framework/MemBufFormatTarget.hpp>
 
 #include "document/depth.h"
 #include "document/find.h"
 #include "host/guards.h"
 #include "io/domwriter.h"
 #include "io/filetarget.h"
+#include "io/memorytarget.h"
 #include "io/nativepath.h"
 #include "io/saveguard.h"
 
 using xercesc::DOMDocument;
 using xercesc::DOMNode;
-using xercesc::MemBufFormatTarget;
 
 namespace {
 
@@ -31,23 +31,24 @@ DOMNode* WrittenNode(const CDOMNodeSessMap::CEntry& entry) {
   return static_cast<CXercesDOM*>(entry.m_pNode)->DocumentNode();
 }
 
-TSXStatus StoreBytes(const MemBufFormatTarget& target, HStr* pOut) {
-  if (target.getLen() > static_cast<XMLSize_t>(std::numeric_limits<int32_t>::max())) {
+TSXStatus StoreBytes(const CMemoryTarget& target, HStr* pOut) {
+  if (target.Count() > static_cast<XMLSize_t>(std::numeric_limits<int32_t>::max())) {
     return CNativePath::kRefused;
   }
-  return HostStringFromPtr(pOut, static_cast<int32_t>(target.getLen()), target.getRawBuffer());
+  return HostStringFromPtr(pOut, static_cast<int32_t>(target.Count()), target.Bytes());
 }
 
 TSXStatus WriteToString(DOMNode* pNode, CDOMWriter& writer, HStr* pOut) {
-  MemBufFormatTarget target(1023);
+  std::optional<CMemoryTarget> target;
   bool written = false;
   const TSXStatus status = Always<domErrSerialize>::Run([&] {
     if (const DOMDocument* pDoc = DocumentOf(pNode)) writer.SetEncoding(GetDocumentEncoding(*pDoc));
-    depth::RequireRoom(*pNode, depth::kWriteLevel);
-    written = writer.WriteNode(target, *pNode);
+    written = writer.WriteNode(target.emplace(), *pNode);
+    // What is too deep is that before anything else that the writer finds fault with.
+    if (!written) depth::RequireRoom(*pNode, depth::kWriteLevel);
   });
   if (status != 0) return status;
-  return written ? StoreBytes(target, pOut) : domErrInvalidCharacter;
+  return written ? StoreBytes(*target, pOut) : domErrInvalidCharacter;
 }
 
 // Writes the document and says whether the writer was content. The reporter keeps

@@ -68,6 +68,15 @@ TEST_F(Depth, CallsOnASmallStackAnswer) {
 
 TEST_F(Depth, AHundredThousandLevelsAnswer) { CallEverything(100000, false); }
 
+TEST_F(Depth, TooDeepComesBeforeAnEncodingThatNobodyHas) {
+  CText unknown("nobody-s"), text;
+  for (const int levels : {10, 100000}) {
+    CDoc doc(Nested(levels));
+    ASSERT_EQ(TSXSetEncoding(doc.Id(), 0, &unknown), 0);
+    EXPECT_EQ(TSXGetXML(doc.Id(), &text), levels == 10 ? domErrInvalidCharacter : domErrSerialize);
+  }
+}
+
 TEST_F(Depth, DeepSubtreesAreFreedPieceByPiece) {
   OnSmallStack([] {
     CDoc doc(Nested(100000));

@@ -157,6 +157,17 @@ TEST_F(Io, WritesNodesAlone) {
   EXPECT_EQ(pretty, "\n<r>\n\n  <a>\xe9</a>\n\n  <b/>\n\n</r>");
 }
 
+// At the sizes where the memory that is written to grows.
+TEST_F(Io, WritesTextsOfEverySize) {
+  for (const size_t size :
+       {0u, 1015u, 1016u, 1017u, 1018u, 2045u, 2046u, 2047u, 100000u, 5000000u}) {
+    std::string xml = "<r>" + std::string(size, 'x') + "</r>";
+    if (size == 0) xml = "<r/>";
+    const CDoc doc(xml);
+    EXPECT_TRUE(TextOf(TSXGetXML, doc.Root()) == xml) << size;
+  }
+}
+
 TEST_F(Io, EncodingNamesAreCheckedByTheirForm) {
   CDoc doc("<r>\xc3\xa9</r>");
   const auto set = [&](const char* pName) {
