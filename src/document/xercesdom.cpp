@@ -3,23 +3,19 @@
 #include <xercesc/dom/DOMImplementation.hpp>
 #include <xercesc/dom/DOMImplementationRegistry.hpp>
 
-#include "host/domowner.h"
-#include "host/text.h"
-
 using xercesc::DOMDocument;
 using xercesc::DOMImplementationRegistry;
 using xercesc::DOMNode;
 
 namespace {
 
-// A document cannot be made without a document element: make one and drop it.
+// Made without a document element: one that was made and dropped again would leave a
+// block of the document's heap behind, 16 KB of it.
 DOMDocument* NewEmptyDocument() {
-  const CWideText features("Core");
-  const CWideText name("TemporaryDocument");
-  CDOMOwner<DOMDocument> doc(DOMImplementationRegistry::getDOMImplementation(features.Get())
-                                 ->createDocument(nullptr, name.Get(), nullptr));
-  doc->removeChild(doc->getFirstChild())->release();
-  return doc.release();
+  // Found once: to search takes a twentieth of the time of a parser.
+  static xercesc::DOMImplementation& s_Implementation =
+      *DOMImplementationRegistry::getDOMImplementation(u"Core");
+  return s_Implementation.createDocument();
 }
 
 }  // namespace
