@@ -5,6 +5,7 @@
 
 #include "api/frame.h"
 #include "collections/close.h"
+#include "collections/elements.h"
 #include "collections/outs.h"
 
 using xercesc::DOMElement;
@@ -83,6 +84,13 @@ TSXStatus GetList(TSXRefId root, TSXStatus badReference, TSXRefId* pListOut, Fin
       pStrings...);
 }
 
+constexpr auto kAllByName = [](auto& root, auto* pName) {
+  return ElementsByName(*RootOf(root), pName);
+};
+constexpr auto kAllByNameNS = [](auto& root, auto* pURI, auto* pName) {
+  return ElementsByNameNS(*RootOf(root), pURI, pName);
+};
+
 template <class Interface, class Find, class... Strings>
 TSXStatus GetArray(TSXRefId root, TSXStatus badReference, GenericRefObjSessionArray* pNodesOut,
                    Find find, Strings*... pStrings) {
@@ -106,7 +114,8 @@ TSXStatus TSXGetElementsByTagNameList(TSXRefId document, HStr* name, TSXRefId* l
 
 TSXStatus TSXGetElementsByTagName(TSXRefId document, HStr* name,
                                   GenericRefObjSessionArray* nodesOut) {
-  return GetArray<CXercesDOM>(document, domErrRefGetElementsByTagNameList, nodesOut, kByName, name);
+  return GetArray<CXercesDOM>(document, domErrRefGetElementsByTagNameList, nodesOut, kAllByName,
+                              name);
 }
 
 TSXStatus TSXGetElementsByTagNameNS(TSXRefId document, HStr* namespaceURI, HStr* localName,
@@ -118,7 +127,7 @@ TSXStatus TSXGetElementsByTagNameNS(TSXRefId document, HStr* namespaceURI, HStr*
 // Contract: the code of the functions without namespace.
 TSXStatus TSXGetElementsByTagNameNSArray(TSXRefId document, HStr* namespaceURI, HStr* localName,
                                          GenericRefObjSessionArray* nodesOut) {
-  return GetArray<CXercesDOM>(document, domErrRefGetElementsByTagNameList, nodesOut, kByNameNS,
+  return GetArray<CXercesDOM>(document, domErrRefGetElementsByTagNameList, nodesOut, kAllByNameNS,
                               namespaceURI, localName);
 }
 
@@ -128,7 +137,7 @@ TSXStatus TSXElementGetElementsByTagName(TSXRefId element, HStr* name, TSXRefId*
 
 TSXStatus TSXElementGetElementsByTagNameArray(TSXRefId element, HStr* name,
                                               GenericRefObjSessionArray* nodesOut) {
-  return GetArray<DOMElement>(element, domErrRefElementGetElementsByTagName, nodesOut, kByName,
+  return GetArray<DOMElement>(element, domErrRefElementGetElementsByTagName, nodesOut, kAllByName,
                               name);
 }
 
@@ -141,8 +150,8 @@ TSXStatus TSXElementGetElementsByTagNameNS(TSXRefId element, HStr* namespaceURI,
 TSXStatus TSXElementGetElementsByTagNameNSArray(TSXRefId element, HStr* namespaceURI,
                                                 HStr* localName,
                                                 GenericRefObjSessionArray* nodesOut) {
-  return GetArray<DOMElement>(element, domErrRefElementGetElementsByTagNameNS, nodesOut, kByNameNS,
-                              namespaceURI, localName);
+  return GetArray<DOMElement>(element, domErrRefElementGetElementsByTagNameNS, nodesOut,
+                              kAllByNameNS, namespaceURI, localName);
 }
 
 TSXStatus TSXGetItem(TSXRefId list, int32_t index, TSXRefId* nodeOut) {

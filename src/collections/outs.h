@@ -5,6 +5,7 @@
 #include <tessel/values.h>
 
 #include "api/outs.h"
+#include "collections/fillers.h"
 
 // A collection and the node whose memory it lives in.
 template <class Collection>
@@ -44,6 +45,10 @@ class CArrayOut {
   }
   TSXStatus Store(xercesc::DOMNodeList* pList) {
     TSUNodeListToArray(m_pArray, pList);
+    return 0;
+  }
+  TSXStatus Store(std::span<xercesc::DOMNode* const> nodes) {
+    StoreNodes(nodes, m_pArray);
     return 0;
   }
   TSXStatus Store(xercesc::DOMNamedNodeMap* pMap) {

@@ -62,6 +62,45 @@ TEST_F(Collections, ArraysAndListsAgreeInOrder) {
   EXPECT_FALSE(ListLives(list));
 }
 
+// The arrays are collected by a walk of our own: the DOM's list says what is in them.
+TEST_F(Collections, ArraysByNameAreTheListsMembers) {
+  CDoc doc;
+  const uint8_t on = 1;
+  ASSERT_EQ(TSXSetDoNamespaces(doc.Id(), 0, &on), 0);
+  ASSERT_EQ(support::Load(doc.Id(),
+                          "<!DOCTYPE r [<!ENTITY e '<a/>x<p:a><a/></p:a>'>]>"
+                          "<!--c--><r xmlns:p='u'>&e;<a>t<a><b xmlns='u'/></a></a><![CDATA[<a/>]]>"
+                          "<?a a?><p:b xmlns:p='v'><p:a/></p:b></r><?a?>"),
+            0);
+  const TSXRefId root = doc.Root();
+  ASSERT_EQ(TSXAppendChild(root, support::Create(doc.Id(), "p:a")), 0);
+  CText any("*");
+  CIds fromWalk, fromList;
+  ASSERT_EQ(TSXGetElementsByTagName(doc.Id(), &any, &fromWalk), 0);
+  std::vector<TSXRefId> elements = fromWalk.Get();
+  EXPECT_EQ(elements.size(), 10u);
+  const auto expectSame = [&](TSXRefId list) {
+    EXPECT_EQ(TSXGetNodeListArray(list, 0, &fromList), 0);
+    EXPECT_EQ(fromWalk.Get(), fromList.Get());
+  };
+  for (const std::string_view nameText : {"a", "p:a", "b", "*", "", "r"}) {
+    CText name(nameText);
+    EXPECT_EQ(TSXGetElementsByTagName(doc.Id(), &name, &fromWalk), 0);
+    expectSame(IdOf(TSXGetElementsByTagNameList, doc.Id(), &name));
+    for (const TSXRefId element : elements) {
+      EXPECT_EQ(TSXElementGetElementsByTagNameArray(element, &name, &fromWalk), 0);
+      expectSame(IdOf(TSXElementGetElementsByTagName, element, &name));
+    }
+    for (const std::string_view uriText : {"u", "v", "*", ""}) {
+      CText uri(uriText);
+      EXPECT_EQ(TSXGetElementsByTagNameNSArray(doc.Id(), &uri, &name, &fromWalk), 0);
+      expectSame(IdOf(TSXGetElementsByTagNameNS, doc.Id(), &uri, &name));
+      EXPECT_EQ(TSXElementGetElementsByTagNameNSArray(root, &uri, &name, &fromWalk), 0);
+      expectSame(IdOf(TSXElementGetElementsByTagNameNS, root, &uri, &name));
+    }
+  }
+}
+
 TEST_F(Collections, ListsAndMapsEndWithWhatHoldsThem) {
   CDoc doc("<r><a k='v'><b/></a></r>");
   const TSXRefId root = doc.Root(), a = support::FirstChild(root);
