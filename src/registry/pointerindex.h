@@ -107,21 +107,27 @@ class CPointerIndex {
   }
 
   CRegion* Add(uintptr_t number) {
-    auto region = std::make_unique<CRegion>();
-    CRegion* pRegion = region.get();
-    m_Regions.emplace(number, std::move(region));
-    return Last(number, pRegion);
+    if (m_Spare == nullptr) m_Spare = std::make_unique<CRegion>();
+    std::unique_ptr<CRegion>& region = m_Regions[number];
+    region = std::move(m_Spare);
+    return Last(number, region.get());
   }
 
-  // Makes a region the one at hand, and frees the one before where it is empty.
+  // Makes a region the one at hand. The one before, where it is empty, is the next to
+  // be added: regions come and go as well.
   CRegion* Last(uintptr_t number, CRegion* pRegion) const {
-    if (m_pLast != nullptr && m_pLast->IsEmpty()) m_Regions.erase(m_LastNumber);
+    if (m_pLast != nullptr && m_pLast->IsEmpty()) {
+      const auto left = m_Regions.find(m_LastNumber);
+      m_Spare = std::move(left->second);
+      m_Regions.erase(left);
+    }
     m_LastNumber = number;
     m_pLast = pRegion;
     return pRegion;
   }
 
   mutable absl::btree_map<uintptr_t, std::unique_ptr<CRegion>> m_Regions;
+  mutable std::unique_ptr<CRegion> m_Spare;
   mutable uintptr_t m_LastNumber = kNoRegion;
   mutable CRegion* m_pLast = nullptr;
   size_t m_Size = 0;
