@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <xercesc/dom/impl/DOMAttrImpl.hpp>
 #include <xercesc/dom/impl/DOMCasts.hpp>
+#include <xercesc/dom/impl/DOMElementImpl.hpp>
 #include <xercesc/dom/impl/DOMEntityImpl.hpp>
 #include <xercesc/dom/impl/DOMNodeIDMap.hpp>
 #include <xercesc/dom/impl/DOMNodeImpl.hpp>
@@ -57,6 +58,10 @@ void Refile(DOMAttr& attribute) {
 
 void RemoveFromIndex(DOMAttr& attribute) {
   static_cast<xercesc::DOMAttrImpl&>(attribute).removeAttrFromIDNodeMap();
+}
+
+void MakeReleasable(xercesc::DOMElement& element) {
+  static_cast<xercesc::DOMElementImpl&>(element).setReadOnly(false, false);
 }
 
 void Reclaim(xercesc::DOMNode& item, xercesc::DOMNode& holder) {

@@ -21,6 +21,10 @@ void Refile(xercesc::DOMAttr& attribute);
 // when it releases the element.
 void RemoveFromIndex(xercesc::DOMAttr& attribute);
 
+// Lets the DOM release an element that is read-only, as in an entity reference: the
+// attributes would stop it halfway, with children freed and still linked.
+void MakeReleasable(xercesc::DOMElement& element);
+
 // Setting an item that a map holds already leaves it in the map but marked as
 // free; this marks it as the holder's again.
 void Reclaim(xercesc::DOMNode& item, xercesc::DOMNode& holder);

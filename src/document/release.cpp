@@ -75,6 +75,14 @@ void CDoomedNodes::RemoveFromIndex() const {
   }
 }
 
+void CDoomedNodes::MakeReleasable() const {
+  for (DOMNode* pNode : m_Nodes) {
+    if (pNode->getNodeType() == DOMNode::ELEMENT_NODE && domimpl::IsReadOnly(*pNode)) {
+      domimpl::MakeReleasable(static_cast<xercesc::DOMElement&>(*pNode));
+    }
+  }
+}
+
 bool CDoomedNodes::LeaveModels() const {
   const auto isModel = [](const DOMNode* pNode) {
     return pNode->getNodeType() == DOMNode::ENTITY_REFERENCE_NODE && domimpl::MayBeModel(*pNode);
@@ -97,6 +105,7 @@ void ReleaseNode(DOMNode* pNode) {
   }
   CDoomedNodes doomed = CDoomedNodes::Whole(pNode);
   doomed.RemoveFromIndex();
+  doomed.MakeReleasable();
   takentypes::Forget(*pNode);
   // A document type may lie in the heap that all threads share: withdrawn first, as
   // whole trees are.

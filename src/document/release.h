@@ -22,6 +22,9 @@ class CDoomedNodes {
   // Takes the ID attributes out of the document's index.
   void RemoveFromIndex() const;
 
+  // Lets the DOM release the elements in entity references.
+  void MakeReleasable() const;
+
   // Takes the entity references that entities copy from out of the tree, with all that
   // is in them: they stay behind till the document goes. False where the root is one.
   bool LeaveModels() const;

@@ -302,4 +302,15 @@ TEST_F(Nodes, EntityOutlivesItsReferences) {
   TSXNamedNodeMapClose(map);
 }
 
+// The DOM stops halfway where it frees read-only attributes, as those in references.
+TEST_F(Nodes, ReferenceToElementsWithAttributesIsFreedWhole) {
+  CDoc doc("<!DOCTYPE r [<!ENTITY e '<m k=\"v\"/>'>]><r><a>&e;</a>&e;</r>");
+  const TSXRefId a = support::FirstChild(doc.Root());
+  const TSXRefId element = support::FirstChild(support::FirstChild(a));
+  const TSXRefId attribute = support::Attribute(element, "k");
+  EXPECT_EQ(TSXRemoveChild(doc.Root(), a), 0);
+  for (const TSXRefId id : {a, element, attribute}) EXPECT_FALSE(Resolves(id));
+  EXPECT_TRUE(doc.Xml().ends_with("<r>&e;</r>")) << doc.Xml();
+}
+
 }  // namespace
