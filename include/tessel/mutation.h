@@ -124,9 +124,10 @@ TSX_API TSXStatus TSXInsertBefore(TSXRefId parent, TSXRefId referenceChild, TSXR
 
 /* Puts a node in the place of a child. The old child hangs nowhere afterwards
  * and keeps its id; it may be attached again, and is freed with its document
- * only. domErrRefReplaceChild for the parent, domErrRefReplaceChildNew,
- * domErrRefReplaceChildOld, domErrHierarchyRequest, domErrWrongDocument,
- * domErrNoModificationAllowed, domErrNotFound, domErrUnexpected. */
+ * only. A child in its own place is removed in this way. domErrRefReplaceChild
+ * for the parent, domErrRefReplaceChildNew, domErrRefReplaceChildOld,
+ * domErrHierarchyRequest, domErrWrongDocument, domErrNoModificationAllowed,
+ * domErrNotFound, domErrUnexpected. */
 TSX_API TSXStatus TSXReplaceChild(TSXRefId parent, TSXRefId newChild, TSXRefId oldChild);
 
 /* Removes a child and gives one hand-out of its id back. On the last one the

@@ -72,6 +72,16 @@ void RequireOther(const DOMNode* pParent, const DOMNode* pNew) {
   if (pNew == pParent) throw DOMException(DOMException::HIERARCHY_REQUEST_ERR);
 }
 
+// A child that takes its own place is removed: insertion before itself does nothing. A
+// document would go on to call it its element or its type.
+void ReplaceChild(DOMNode& parent, DOMNode* pNew, DOMNode* pOld) {
+  if (pNew == pOld) {
+    parent.removeChild(pOld);
+  } else {
+    parent.replaceChild(pNew, pOld);
+  }
+}
+
 }  // namespace
 
 TSXStatus TSXCreateElement(TSXRefId document, HStr* tagName, TSXRefId* elementOut) {
@@ -195,7 +205,7 @@ TSXStatus TSXReplaceChild(TSXRefId parent, TSXRefId newChild, TSXRefId oldChild)
   if (pOld == nullptr) return domErrRefReplaceChildOld;
   return Attach<CMapsInsertAt>(pNew, [&] {
     RequireOther(pParent, pNew);
-    pParent->replaceChild(pNew, pOld);
+    ReplaceChild(*pParent, pNew, pOld);
     // Contract: an entry that the old child had stays; none is made for it.
     g_NodeDomMap.Insert(pOld, g_NodeDomMap.GetDomByNode(pOld));
   });

@@ -313,4 +313,15 @@ TEST_F(Nodes, ReferenceToElementsWithAttributesIsFreedWhole) {
   EXPECT_TRUE(doc.Xml().ends_with("<r>&e;</r>")) << doc.Xml();
 }
 
+// What the document calls its element or its type would else be freed later.
+TEST_F(Nodes, ChildThatReplacesItselfIsRemoved) {
+  const TSXRefId type = IdOf(TSXGetDocType, m_Doc.Id(), uint64_t{0});
+  for (const TSXRefId child : {m_Root, type}) {
+    EXPECT_EQ(TSXReplaceChild(m_Doc.Id(), child, child), 0);
+    EXPECT_EQ(support::Parent(child), 0u);
+  }
+  EXPECT_EQ(m_Doc.Root(), 0u);
+  EXPECT_EQ(IdOf(TSXGetDocType, m_Doc.Id(), uint64_t{0}), 0u);
+}
+
 }  // namespace
