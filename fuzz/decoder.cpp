@@ -118,21 +118,16 @@ constexpr std::array kPaths{
     ""sv,
 };
 
-template <size_t kSize>
-std::string_view At(const std::array<std::string_view, kSize>& texts, uint8_t index) {
-  return texts[index % kSize];
-}
-
-std::string_view At(Strings strings, uint8_t index) {
+std::span<const std::string_view> Texts(Strings strings) {
   switch (strings) {
     case Strings::kDocuments:
-      return At(kDocuments, index);
+      return kDocuments;
     case Strings::kPaths:
-      return At(kPaths, index);
+      return kPaths;
     case Strings::kNames:
       break;
   }
-  return At(kNames, index);
+  return kNames;
 }
 
 // The file that saves write and loads read. Each process has its own.
@@ -146,8 +141,8 @@ const std::string& ScratchFile() {
 }  // namespace
 
 TSXRefId CCall::Id() {
-  const bool isForced = m_Ids.empty() && m_Forced != 0;
-  m_Ids.push_back(isForced ? m_Forced : m_Observer.ChooseId(m_Bytes, *this));
+  const size_t index = m_Ids.size();
+  m_Ids.push_back(index < m_Given.size() ? m_Given[index] : m_Observer.ChooseId(m_Bytes, *this));
   return m_Ids.back();
 }
 
@@ -155,20 +150,22 @@ TSXRefId CCall::Id() {
 HStr* CCall::String() {
   const bool isFirst = m_Strings.empty();
   CText& text = *m_Strings.emplace_back(std::make_unique<CText>());
-  const uint8_t choice = m_Bytes.Byte();
-  if (choice == 255) {
+  const std::span<const std::string_view> texts =
+      Texts(isFirst ? m_Row.m_Strings : Strings::kNames);
+  const uint8_t byte = m_Bytes.Byte();
+  if (byte == 255) {
     text.Set(m_Bytes.Run(m_Bytes.Byte()));
-  } else if (choice == 253) {
-    text.Set(At(kNames, m_Bytes.Byte()));
-  } else if (choice != 254) {
-    text.Set(At(isFirst ? m_Row.m_Strings : Strings::kNames, choice));
+  } else if (byte == 253) {
+    text.Set(kNames[m_Bytes.Byte() % kNames.size()]);
+  } else if (byte != 254) {
+    text.Set(texts[Among(texts.size(), byte)]);
   }
   return text.Out();
 }
 
 HostPath CCall::Path() {
   const std::string& scratch = ScratchFile();
-  switch (m_Bytes.Byte() % 8) {
+  switch (Choice(8)) {
     case 0:
       return nullptr;
     case 1:
@@ -202,7 +199,7 @@ int32_t CCall::Number() {
                                              -100,
                                              std::numeric_limits<int32_t>::max(),
                                              std::numeric_limits<int32_t>::min()};
-  return kNumbers[m_Bytes.Byte() % kNumbers.size()];
+  return kNumbers[Choice(kNumbers.size())];
 }
 
 }  // namespace fuzz

@@ -1,8 +1,10 @@
 // Turns bytes into calls: which function, with which ids, strings and numbers.
 #pragma once
 
+#include <algorithm>
 #include <limits>
 #include <memory>
+#include <span>
 #include <tuple>
 #include <type_traits>
 #include <vector>
@@ -88,8 +90,8 @@ class CCall {
   CCall(const CCall&) = delete;
   CCall& operator=(const CCall&) = delete;
 
-  // Makes the first id this one instead of a decoded one.
-  void SetFirstId(TSXRefId id) { m_Forced = id; }
+  // Makes the first ids these instead of decoded ones.
+  void SetIds(std::span<const TSXRefId> ids) { m_Given = ids; }
 
   // Decodes the arguments in their order and calls.
   template <class Result, class... Args>
@@ -110,6 +112,7 @@ class CCall {
   std::vector<TSXRefId> m_Ids;
   TSXRefId m_IdOut = 0;
   CIds m_Array;
+  size_t m_Choices = 1;  // the most values that a byte could choose for an argument
 
  private:
   template <class T>
@@ -127,9 +130,9 @@ class CCall {
     } else if constexpr (std::is_same_v<T, int32_t>) {
       return Number();
     } else if constexpr (std::is_same_v<T, bool>) {
-      return (m_Bytes.Byte() & 1) != 0;
+      return Choice(2) != 0;
     } else if constexpr (sizeof(std::remove_pointer_t<T>) == 1) {
-      m_Flag = m_Bytes.Byte() & 1;
+      m_Flag = static_cast<uint8_t>(Choice(2));
       return &m_Flag;
     } else {
       static_assert(std::is_convertible_v<int32_t*, T>);
@@ -142,10 +145,16 @@ class CCall {
   HStr* String();
   HostPath Path();
   int32_t Number();
+  // The next byte as one of so many choices.
+  size_t Choice(size_t count) { return Among(count, m_Bytes.Byte()); }
+  size_t Among(size_t count, uint8_t byte) {
+    m_Choices = std::max(m_Choices, count);
+    return byte % count;
+  }
 
   CBytes& m_Bytes;
   CObserver& m_Observer;
-  TSXRefId m_Forced = 0;
+  std::span<const TSXRefId> m_Given;
   uint8_t m_Flag = 0;
   int32_t m_Number = 0;
   HostPath m_Path = nullptr;

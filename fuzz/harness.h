@@ -27,6 +27,7 @@ class CBytes {
   CBytes(const uint8_t* pData, size_t size) : m_Left(reinterpret_cast<const char*>(pData), size) {}
 
   bool IsEmpty() const { return m_Left.empty(); }
+  size_t Size() const { return m_Left.size(); }
   uint8_t Byte() { return static_cast<uint8_t>(Run(1).empty() ? 0 : m_Taken.front()); }
   uint64_t Word();
   // The next bytes, fewer where the input ends.

@@ -17,6 +17,16 @@ using xercesc::DOMNode;
 constexpr size_t kMostNodesCopied = 300;
 constexpr int kMostCalls = 200;
 
+// The document type whose map holds an entity or notation; a clone is in none.
+const DOMNode* TypeOf(const DOMNode* pItem) {
+  const DOMDocument* pDocument = pItem->getOwnerDocument();
+  const auto* pType = pDocument != nullptr ? pDocument->getDoctype() : nullptr;
+  if (pType == nullptr) return nullptr;
+  const bool isEntity = pItem->getNodeType() == DOMNode::ENTITY_NODE;
+  const auto* pMap = isEntity ? pType->getEntities() : pType->getNotations();
+  return pMap->getNamedItem(pItem->getNodeName()) == pItem ? pType : nullptr;
+}
+
 // The node that a node hangs on in any way.
 const DOMNode* HolderOf(const DOMNode* pNode) {
   switch (pNode->getNodeType()) {
@@ -24,8 +34,7 @@ const DOMNode* HolderOf(const DOMNode* pNode) {
       return static_cast<const DOMAttr*>(pNode)->getOwnerElement();
     case DOMNode::ENTITY_NODE:
     case DOMNode::NOTATION_NODE:
-      return pNode->getOwnerDocument() != nullptr ? pNode->getOwnerDocument()->getDoctype()
-                                                  : nullptr;
+      return TypeOf(pNode);
     default:
       return pNode->getParentNode();
   }
@@ -424,19 +433,40 @@ void CModel::CheckOthers(const CCall& call) {
 
 // -- An input --------------------------------------------------------------------------
 
-void CModel::Step(const CRow& row, CBytes& bytes, TSXRefId first) {
+CModel::CResult CModel::Step(const CRow& row, CBytes& bytes, std::span<const TSXRefId> ids) {
   m_Fault = m_HostRefuses ? bytes.Byte() : 0;
   CCall call(row, bytes, *this);
-  call.SetFirstId(first);
+  call.SetIds(ids);
   row.m_Run(call);
   StandinFailAllocation(0);
   Trace(call);
-  if (!call.m_WasMade) return;
-  CheckStatus(call);
-  EndIds(call);
-  TakeIds(call);
-  CheckNodes(call);
-  CheckOthers(call);
+  if (call.m_WasMade) {
+    CheckStatus(call);
+    EndIds(call);
+    TakeIds(call);
+    CheckNodes(call);
+    CheckOthers(call);
+  }
+  return {call.m_WasMade, call.m_Status, call.m_Ids.size(), call.m_Choices};
+}
+
+void CModel::Adopt(Registry registry, TSXRefId id, unsigned kind, int count) {
+  m_pCall = "Adopt";
+  if (Resolves(registry, id)) {
+    HandOut(registry, id, kind, true);
+    Of(registry)[id].m_Count = count;
+  } else {
+    Of(registry)[id].m_IsLive = false;
+    m_Last[static_cast<size_t>(registry)] = id;
+  }
+}
+
+size_t CModel::EndedCount() const {
+  size_t count = 0;
+  for (const CEntries& entries : m_Ids) {
+    for (const auto& [id, entry] : entries) count += !entry.m_IsLive;
+  }
+  return count;
 }
 
 namespace {
@@ -466,8 +496,25 @@ void CModel::CloseAll(CBytes& bytes) {
   if (bytes.Byte() % 2 != 0) std::swap(orders[0], orders[4]);
   for (const auto& order : orders) {
     const CRow& row = RowOf(order.m_pClose);
-    while (const TSXRefId id = Pick(order.m_Of, true, order.m_Kinds, 0)) Step(row, bytes, id);
+    while (const TSXRefId id = Pick(order.m_Of, true, order.m_Kinds, 0)) {
+      Step(row, bytes, {&id, 1});
+    }
   }
+}
+
+void CModel::Abandon(bool documentsFirst) {
+  const auto close = [this](Registry registry, unsigned kinds, void (*pClose)(TSXRefId)) {
+    for (const auto& [id, entry] : Of(registry)) {
+      const bool fits = registry != Registry::kNode || (entry.m_Kind & kinds) != 0;
+      for (int i = 0; fits && i < entry.m_Count; ++i) pClose(id);
+    }
+  };
+  close(Registry::kList, 0, TSXNodeListClose);
+  close(Registry::kMap, 0, TSXNamedNodeMapClose);
+  close(Registry::kImplementation, 0, TSXImplementationClose);
+  if (documentsFirst) close(Registry::kNode, kDocument, TSXDocumentClose);
+  close(Registry::kNode, kAnyNode & ~kDocument, TSXNodeClose);
+  if (!documentsFirst) close(Registry::kNode, kDocument, TSXDocumentClose);
 }
 
 void RunCalls(CBytes bytes, bool hostRefuses) {

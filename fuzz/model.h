@@ -19,11 +19,28 @@ class CModel : public CObserver {
  public:
   explicit CModel(bool hostRefuses) : m_HostRefuses(hostRefuses) {}
 
-  // Makes one call of the bytes; the first id may be given.
-  void Step(const CRow& row, CBytes& bytes, TSXRefId first = 0);
+  struct CResult {
+    bool m_WasMade;
+    TSXStatus m_Status;
+    size_t m_Ids;      // how many the function takes
+    size_t m_Choices;  // as CCall's
+  };
+
+  // Makes one call of the bytes; the first ids may be given.
+  CResult Step(const CRow& row, CBytes& bytes, std::span<const TSXRefId> ids = {});
+
+  // Takes in an id that was handed out so often without the model; where it names
+  // nothing any more, it must stay so. A kind of 0 is asked for.
+  void Adopt(Registry registry, TSXRefId id, unsigned kind, int count);
+
+  // How many ids name nothing any more.
+  size_t EndedCount() const;
 
   // Gives every hand-out back, documents first or last.
   void CloseAll(CBytes& bytes);
+
+  // The same without a look at each close.
+  void Abandon(bool documentsFirst);
 
   TSXRefId ChooseId(CBytes& bytes, const CCall& call) override;
   bool Before(const CCall& call) override;
