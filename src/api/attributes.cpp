@@ -171,8 +171,8 @@ TSXStatus TSXSetAttributeNodeNS(TSXRefId element, TSXRefId attribute, TSXRefId* 
                           [](auto& e, auto& attr) { return e.setAttributeNodeNS(&attr); });
 }
 
-// Contract: the attribute's id is not withdrawn. It stays with no object, and the
-// host must treat it as dead.
+// Contract: the attribute is freed however many hand-outs of its id are open. They are
+// dead from here on.
 TSXStatus TSXRemoveAttributeNode(TSXRefId element, TSXRefId attribute) {
   auto* pElement = FindObject<DOMElement>(element);
   auto* pAttribute = FindObject<DOMNode>(attribute);

@@ -36,7 +36,7 @@ inline constexpr unsigned kTypes<xercesc::DOMEntity> = Bit(xercesc::DOMNode::ENT
 
 }  // namespace nodekind
 
-// Null for an id that is 0, unknown or without object, and for the wrong kind of
+// Null for an id that is 0 or unknown, and for the wrong kind of
 // node: the host gets one answer for all of them.
 template <class Interface>
 Interface* FindObject(TSXRefId id) {

@@ -142,8 +142,8 @@ void CleanupProcCXercesDOM(unsigned char* data) {
   std::memcpy(&document, data, sizeof document);
   CXercesDOM* pDom = FindObject<CXercesDOM>(document);
   if (pDom == nullptr || !g_NodeDomMap.DeleteByDom(pDom)) return;
-  // Contract: the ids stay registered; they name nothing from here on.
-  g_NodeSessMap.ForgetDocument(pDom->m_pDoc);
-  g_NodeSessMap.Forget(pDom);
+  // Contract: the ids name nothing from here on, however many hand-outs are open.
+  g_NodeSessMap.WithdrawDocument(pDom->m_pDoc);
+  g_NodeSessMap.Withdraw(pDom);
   DeleteDocumentObject(pDom);
 }

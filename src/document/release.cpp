@@ -18,8 +18,8 @@ namespace {
 // not free with it.
 void ForgetTree(DOMDocument* pDoc) {
   g_NodeDomMap.DeleteByTree(pDoc);
-  g_NodeListSessMap.ForgetHeldIn(pDoc);
-  g_NamedNodeMapSessMap.ForgetHeldIn(pDoc);
+  g_NodeListSessMap.WithdrawHeldIn(pDoc);
+  g_NamedNodeMapSessMap.WithdrawHeldIn(pDoc);
   for (DOMNode* pType : takentypes::TakeOf(pDoc)) {
     if (!domimpl::IsOwned(*pType)) ReleaseNode(pType);
   }
@@ -61,8 +61,8 @@ void CDoomedNodes::Collect(DOMNode* pNode) {
 void CDoomedNodes::Withdraw() {
   if (m_Nodes.empty()) return;
   std::sort(m_Nodes.begin(), m_Nodes.end());
-  g_NodeListSessMap.ForgetHeldBy(m_Nodes);
-  g_NamedNodeMapSessMap.ForgetHeldBy(m_Nodes);
+  g_NodeListSessMap.WithdrawHeldBy(m_Nodes);
+  g_NamedNodeMapSessMap.WithdrawHeldBy(m_Nodes);
   g_NodeSessMap.Withdraw(m_Nodes);
   g_NodeDomMap.Delete(m_Nodes);
 }
@@ -110,7 +110,6 @@ void ReleaseNode(DOMNode* pNode) {
   // A document type may lie in the heap that all threads share: withdrawn first, as
   // whole trees are.
   const bool mayGo = doomed.LeaveModels();
-  g_NodeSessMap.Forget(pNode);
   doomed.Withdraw();
   if (mayGo) depth::Release(*pNode);
 }
@@ -124,7 +123,7 @@ void ReleaseTree(DOMDocument* pDoc) {
 }
 
 void DeleteDocumentObject(CXercesDOM* pDom) {
-  g_NodeSessMap.Forget(pDom->DocumentNode());
+  g_NodeSessMap.Withdraw(pDom->DocumentNode());
   ForgetTree(pDom->m_pDoc);
   delete pDom;
 }

@@ -48,13 +48,12 @@ void SetReplacingChildren(xercesc::DOMNode& node, Call set) {
   doomed.Withdraw();
 }
 
-// Frees a node that no tree owns and all below it. The ids below are withdrawn;
-// the node's own id, if it still has one, stays with no object. Where the DOM
+// Frees a node that no tree owns and all below it, and withdraws their ids. Where the DOM
 // refuses (the node is owned) its exception leaves and nothing has changed.
 void ReleaseNode(xercesc::DOMNode* pNode);
 
-// Frees a whole tree. The ids of its nodes are withdrawn; the document node's own
-// stays with no object. Every map entry that dies with the tree goes.
+// Frees a whole tree. The ids of its nodes are withdrawn, and every map entry that dies
+// with the tree goes.
 void ReleaseTree(xercesc::DOMDocument* pDoc);
 
 // Frees a document object that has left the map and whose nodes have no ids any

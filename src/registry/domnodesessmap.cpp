@@ -72,31 +72,20 @@ void CDOMNodeSessMap::Withdraw(const std::vector<DOMNode*>& nodes) {
   if (nodes.empty()) return;
   CHostLock lock(m_Mutex);
   TakeAdoptions();
-  for (DOMNode* pNode : nodes) {
-    TakeOwner(pNode);
-    if (const unsigned long id = m_PtrToSess.Find(pNode)) Erase(id, *m_Slots.Find(id));
-  }
+  for (DOMNode* pNode : nodes) WithdrawNode(pNode);
 }
 
-void CDOMNodeSessMap::Forget(DOMNode* pNode) {
+void CDOMNodeSessMap::Withdraw(DOMNode* pNode) {
   CHostLock lock(m_Mutex);
   TakeAdoptions();
-  ForgetNode(pNode);
+  WithdrawNode(pNode);
 }
 
 void CDOMNodeSessMap::WithdrawDocument(DOMDocument* pDoc) {
   CHostLock lock(m_Mutex);
   TakeAdoptions();
   SweepDocument(pDoc);
-  ForgetNode(pDoc);
-}
-
-void CDOMNodeSessMap::ForgetDocument(DOMDocument* pDoc) {
-  CHostLock lock(m_Mutex);
-  TakeAdoptions();
-  TakeList(pDoc,
-           [&](unsigned long, CSlot& slot) TESSEL_REQUIRES(m_Mutex) { CPtrSessMap::Forget(slot); });
-  ForgetNode(pDoc);
+  WithdrawNode(pDoc);
 }
 
 void CDOMNodeSessMap::SetKind(CSlot& slot, DOMNode& node) {
@@ -176,30 +165,24 @@ void CDOMNodeSessMap::TakeAdoptions() {
   for (const auto& [pNode, pDoc] : adoptions) SetOwner(pNode, pDoc);
 }
 
-void CDOMNodeSessMap::ForgetNode(DOMNode* pNode) {
+void CDOMNodeSessMap::WithdrawNode(DOMNode* pNode) {
   TakeOwner(pNode);
-  if (const unsigned long id = m_PtrToSess.Find(pNode)) CPtrSessMap::Forget(*m_Slots.Find(id));
-}
-
-template <class Visit>
-void CDOMNodeSessMap::TakeList(DOMDocument* pDoc, Visit visit) {
-  const auto list = m_OwnedBy.find(pDoc);
-  if (list == m_OwnedBy.end()) return;
-  unsigned long id = list->second;
-  m_OwnedBy.erase(list);
-  while (id != 0) {
-    CSlot& slot = *m_Slots.Find(id);
-    const unsigned long next = slot.m_Next;
-    slot.m_HasOwner = false;
-    slot.m_pOwner = nullptr;
-    visit(id, slot);
-    id = next;
-  }
+  if (const unsigned long id = m_PtrToSess.Find(pNode)) Erase(id, *m_Slots.Find(id));
 }
 
 // Contract: nothing that happens in here stops the close that it is a part of.
 void CDOMNodeSessMap::SweepDocument(DOMDocument* pDoc) {
-  TakeList(pDoc, [&](unsigned long id, CSlot& slot) TESSEL_REQUIRES(m_Mutex) { Erase(id, slot); });
+  const auto list = m_OwnedBy.find(pDoc);
+  if (list != m_OwnedBy.end()) {
+    unsigned long id = list->second;
+    m_OwnedBy.erase(list);
+    while (id != 0) {
+      const CSlot& slot = *m_Slots.Find(id);
+      const unsigned long next = slot.m_Next;
+      Erase(id, slot);
+      id = next;
+    }
+  }
   for (auto loose = m_LooseOwners.begin(); loose != m_LooseOwners.end();) {
     loose = loose->second == pDoc ? m_LooseOwners.erase(loose) : std::next(loose);
   }

@@ -37,7 +37,7 @@ struct CSlotOf<xercesc::DOMNode> {
 //   closing a document costs its own nodes and no others.
 // - m_LooseOwners holds the owners recorded for nodes that have no id.
 // - No id points at a node that is gone: whoever frees nodes withdraws their
-//   ids (the ids are gone too) or forgets them (the ids stay, with no object).
+//   ids, however often they were handed out.
 class TESSEL_DATA CDOMNodeSessMap : public CPtrSessMap<xercesc::DOMNode> {
  public:
   using CPtrSessMap::CPtrSessMap;
@@ -68,16 +68,11 @@ class TESSEL_DATA CDOMNodeSessMap : public CPtrSessMap<xercesc::DOMNode> {
   // were handed out. The nodes may be gone: their addresses serve as keys only.
   void Withdraw(const std::vector<xercesc::DOMNode*>& nodes);
 
-  // Keeps the id of a node that is gone, with no object.
-  void Forget(xercesc::DOMNode* pNode);
+  void Withdraw(xercesc::DOMNode* pNode);
 
-  // For a tree about to be released: withdraws the ids of its nodes and forgets
-  // the document node's own.
+  // For a tree that is about to be released: withdraws the ids of its nodes and the
+  // document node's own.
   void WithdrawDocument(xercesc::DOMDocument* pDoc);
-
-  // For a tree released under a host that stopped using its ids: keeps them all,
-  // with no object.
-  void ForgetDocument(xercesc::DOMDocument* pDoc);
 
  private:
   static void SetKind(CSlot& slot, xercesc::DOMNode& node);
@@ -94,11 +89,8 @@ class TESSEL_DATA CDOMNodeSessMap : public CPtrSessMap<xercesc::DOMNode> {
   void Unlink(CSlot& slot) TESSEL_REQUIRES(m_Mutex);
   void TakeAdoptions() TESSEL_REQUIRES(m_Mutex);
 
-  void ForgetNode(xercesc::DOMNode* pNode) TESSEL_REQUIRES(m_Mutex);
+  void WithdrawNode(xercesc::DOMNode* pNode) TESSEL_REQUIRES(m_Mutex);
 
-  // Empties a document's list; each slot goes to `visit` with its id, unlinked.
-  template <class Visit>
-  void TakeList(xercesc::DOMDocument* pDoc, Visit visit) TESSEL_REQUIRES(m_Mutex);
   void SweepDocument(xercesc::DOMDocument* pDoc) TESSEL_REQUIRES(m_Mutex);
 
   absl::btree_map<xercesc::DOMDocument*, unsigned long> m_OwnedBy TESSEL_GUARDED_BY(m_Mutex);

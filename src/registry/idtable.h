@@ -43,12 +43,20 @@ class CIdTable {
     if (--pPage->m_Used == 0 && pPage != m_pNewest) ClosePage(id / kPageSize);
   }
 
-  // Visits every slot in use.
-  template <class Visit>
-  void ForEach(Visit visit) {
-    for (const auto& entry : m_Pages) {
-      for (Slot& slot : entry.second->m_Slots) {
-        if (!slot.IsFree()) visit(slot);
+  template <class Dies>
+  void EraseIf(Dies dies) {
+    for (auto entry = m_Pages.begin(); entry != m_Pages.end();) {
+      CPage& page = *entry->second;
+      for (Slot& slot : page.m_Slots) {
+        if (slot.IsFree() || !dies(slot)) continue;
+        slot.SetFree();
+        --page.m_Used;
+      }
+      if (page.m_Used != 0 || &page == m_pNewest) {
+        ++entry;
+      } else {
+        if (&page == m_pLast) m_pLast = nullptr;
+        entry = m_Pages.erase(entry);
       }
     }
   }

@@ -22,26 +22,25 @@ void ForEachChild(xercesc::DOMNode* pRoot, Visit visit) {
   for (xercesc::DOMNode* pNode = pRoot; pNode != nullptr; pNode = Next(pNode, pRoot)) visit(pNode);
 }
 
-// Visits each item of a map with the nodes below it.
+// Visits `pRoot`, everything below it, and the attributes, entities and notations
+// that hang beside the tree, each with all that is released with it. Calls itself for
+// these, but never deep: what an entity holds has attributes, and those hold text.
 template <class Visit>
-void ForEachItem(const xercesc::DOMNamedNodeMap* pMap, Visit visit) {
-  if (pMap == nullptr) return;
-  for (XMLSize_t i = 0; i < pMap->getLength(); ++i) ForEachChild(pMap->item(i), visit);
-}
-
-// Visits `pRoot`, everything below it, and the attributes, entities and
-// notations that hang beside the tree.
-template <class Visit>
-void ForEach(xercesc::DOMNode* pRoot, Visit visit) {
+void ForEach(xercesc::DOMNode* pRoot, const Visit& visit) {
+  const auto forEachItem = [&](const xercesc::DOMNamedNodeMap* pMap) {
+    for (XMLSize_t i = 0; pMap != nullptr && i < pMap->getLength(); ++i) {
+      ForEach(pMap->item(i), visit);
+    }
+  };
   ForEachChild(pRoot, [&](xercesc::DOMNode* pNode) {
     visit(pNode);
     const auto type = pNode->getNodeType();
     if (type == xercesc::DOMNode::ELEMENT_NODE) {
-      ForEachItem(pNode->getAttributes(), visit);
+      forEachItem(pNode->getAttributes());
     } else if (type == xercesc::DOMNode::DOCUMENT_TYPE_NODE) {
       const auto* pType = static_cast<xercesc::DOMDocumentType*>(pNode);
-      ForEachItem(pType->getEntities(), visit);
-      ForEachItem(pType->getNotations(), visit);
+      forEachItem(pType->getEntities());
+      forEachItem(pType->getNotations());
     }
   });
 }

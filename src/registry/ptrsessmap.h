@@ -41,9 +41,8 @@ struct CSlotOf {
 // borrowed: a registry never frees one.
 //
 // Invariants, under m_Mutex:
-// - m_PtrToSess and the slots' objects are inverse of each other, but for forgotten
-//   ids: those keep their slot with a null object, because it is gone while the host
-//   still holds the id.
+// - m_PtrToSess and the slots' objects are inverse of each other. The id of an object
+//   that is gone is withdrawn: it is unknown from then on, as if it had been closed.
 // - A slot that is in use has a count of at least 1.
 // - Ids only grow; none is issued twice.
 // A registration that runs out of memory leaves the registry as it was.
@@ -82,20 +81,20 @@ class TESSEL_DATA CPtrSessMap {
     return id != 0 ? m_Slots.Find(id)->m_pHolder : nullptr;
   }
 
-  // Keeps the ids of the collections of these nodes, with no object. The nodes are
+  // Takes back the ids of the collections of these nodes. The nodes are
   // sorted by address and may be gone.
-  void ForgetHeldBy(std::span<xercesc::DOMNode* const> sorted) {
-    ForgetIf([&](const CSlot& slot) {
+  void WithdrawHeldBy(std::span<xercesc::DOMNode* const> sorted) {
+    WithdrawIf([&](const CSlot& slot) {
       return std::binary_search(sorted.begin(), sorted.end(), slot.m_pHolder);
     });
   }
 
   // The same for all collections of a document that is about to go.
-  void ForgetHeldIn(const xercesc::DOMDocument* pDoc) {
+  void WithdrawHeldIn(const xercesc::DOMDocument* pDoc) {
     const xercesc::DOMNode* pDocumentNode = pDoc;
     // A document type knew no document while it was free.
     const xercesc::DOMNode* pType = pDoc->getDoctype();
-    ForgetIf([&](const CSlot& slot) {
+    WithdrawIf([&](const CSlot& slot) {
       return slot.m_pHolder != nullptr &&
              (slot.m_pTree == pDoc || slot.m_pHolder == pDocumentNode || slot.m_pHolder == pType);
     });
@@ -110,7 +109,7 @@ class TESSEL_DATA CPtrSessMap {
     return true;
   }
 
-  // The object of an id, null for 0, an unknown and a forgotten id. The caller
+  // The object of an id, null for 0 and an unknown id. The caller
   // uses it unlocked: no other thread may close the same id meanwhile.
   T* GetPtrBySess(unsigned long id) {
     CHostLock lock(m_Mutex);
@@ -150,12 +149,6 @@ class TESSEL_DATA CPtrSessMap {
     m_Slots.Erase(id);
   }
 
-  // Keeps the id, with no object.
-  void Forget(CSlot& slot) TESSEL_REQUIRES(m_Mutex) {
-    m_PtrToSess.Erase(slot.m_pObject);
-    slot.m_pObject = nullptr;
-  }
-
   // True when the last hand-out of a live object comes back; the slot is then the
   // caller's to erase.
   static bool CountBack(CSlot& slot) {
@@ -171,18 +164,18 @@ class TESSEL_DATA CPtrSessMap {
 
  private:
   template <class Dies>
-  void ForgetIf(Dies dies) {
+  void WithdrawIf(Dies dies) {
     CHostLock lock(m_Mutex);
     if (m_PtrToSess.Size() == 0) return;
-    ForgetIn(m_PtrToSess, m_Slots, dies);
+    WithdrawIn(m_PtrToSess, m_Slots, dies);
   }
 
   template <class Dies>
-  static void ForgetIn(CPointerIndex& index, CIdTable<CSlot>& slots, Dies dies) {
-    slots.ForEach([&](CSlot& slot) {
-      if (slot.m_pObject == nullptr || !dies(slot)) return;
+  static void WithdrawIn(CPointerIndex& index, CIdTable<CSlot>& slots, Dies dies) {
+    slots.EraseIf([&](const CSlot& slot) {
+      if (!dies(slot)) return false;
       index.Erase(slot.m_pObject);
-      slot.m_pObject = nullptr;
+      return true;
     });
   }
 

@@ -324,4 +324,16 @@ TEST_F(Nodes, ChildThatReplacesItselfIsRemoved) {
   EXPECT_EQ(IdOf(TSXGetDocType, m_Doc.Id(), uint64_t{0}), 0u);
 }
 
+TEST_F(Nodes, DocumentTypeTakesAlongWhatItsEntitiesHold) {
+  CDoc doc("<!DOCTYPE r [<!ENTITY e '<m k=\"v\"/>'>]><r>&e;</r>");
+  const TSXRefId type = IdOf(TSXGetDocType, doc.Id(), uint64_t{0});
+  const TSXRefId map = IdOf(TSXGetEntities, type, uint64_t{0});
+  CText e("e");
+  const TSXRefId entity = IdOf(TSXGetNamedItem, map, &e);
+  const TSXRefId attribute = support::Attribute(support::FirstChild(entity), "k");
+  EXPECT_EQ(TSXRemoveChild(doc.Id(), type), 0);
+  for (const TSXRefId id : {type, entity, attribute}) EXPECT_FALSE(Resolves(id));
+  TSXNamedNodeMapClose(map);
+}
+
 }  // namespace

@@ -61,12 +61,6 @@ class CModel {
     m_NodeToDoc.erase(pNode);
   }
 
-  void Forget(DOMNode* pNode) {
-    if (m_PtrToSess.contains(pNode)) m_SessToPtr[m_PtrToSess[pNode]] = nullptr;
-    m_PtrToSess.erase(pNode);
-    m_NodeToDoc.erase(pNode);
-  }
-
   DOMNode* Get(unsigned long id) const {
     const auto found = m_SessToPtr.find(id);
     return found != m_SessToPtr.end() ? found->second : nullptr;
@@ -148,12 +142,11 @@ TEST(NodeRegistryModel, RandomOperationsAgree) {
       }
       case 11:
         if (random() % 2 == 0) {
-          registry.Forget(pNode);
-          model.Forget(pNode);
+          registry.Withdraw(pNode);
         } else {
-          registry.Withdraw({pNode});
-          model.Withdraw(pNode);
+          registry.Withdraw({pNode, pNode});
         }
+        model.Withdraw(pNode);
         break;
     }
     for (unsigned long seen = model.Last() - std::min(model.Last(), 60ul); seen <= model.Last();
