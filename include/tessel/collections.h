@@ -28,8 +28,8 @@
  * without members has a handle and count 0; a null handle with the result 0
  * means that the host refused the memory, and no id was handed out. DOM calls
  * are guarded: what an entry does not name is domErrUnexpected. Only the
- * exhaustion of memory while a string is converted leaves as a C++
- * exception. */
+ * exhaustion of memory, while a string is converted or a result registered, leaves
+ * as a C++ exception. */
 #ifndef TESSEL_COLLECTIONS_H
 #define TESSEL_COLLECTIONS_H
 
@@ -197,7 +197,8 @@ TSX_API TSXStatus TSXHasFeature(TSXRefId implementation, HStr* feature, HStr* ve
 
 /* Creates a document type without entities, to be given to TSXCreateDocument.
  * It belongs to no document, and so outlives them all, until one uses it; from
- * then on its id goes with that document. domErrRefCreateDocumentType,
+ * then on its id goes with that document. Unused, it is freed with the last
+ * hand-out of its id. domErrRefCreateDocumentType,
  * domErrInvalidCharacter for a name that XML forbids (an empty one too),
  * domErrNamespace for a misplaced colon, domErrNotSupported,
  * domErrUnexpected. */

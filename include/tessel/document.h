@@ -45,11 +45,12 @@ TSX_API TSXStatus TSXCreateDocument(TSXRefId implementation, HStr* namespaceURI,
 
 /* Gives one hand-out of a document id back. The last one frees the document with
  * all its nodes, attached or not, and takes the ids of all of them along,
- * however often they were handed out. An id of the bare document node stays
- * registered, answers with each function's reference code, and names nothing.
- * Ids of lists, maps and implementations are not taken along: close them first.
- * Costs a walk over all registered nodes of all documents. Ids that are unknown
- * or 0 are ignored; the id of another node is given back without freeing it. */
+ * however often they were handed out; the id of the bare document node and the
+ * ids of the document's lists and maps go too. Costs what the document's own ids
+ * cost, beside freeing the tree, and a look at the open lists and maps of all
+ * documents. Ids that are unknown or 0 are ignored. The id of another node is given
+ * back; with its last hand-out goes what belongs to no document object, the clone
+ * of a document or a document type that no document has taken, and nothing else. */
 TSX_API void TSXDocumentClose(TSXRefId document);
 
 /* Gives one hand-out of a node's id back. Unknown ids and 0 are ignored.
@@ -60,8 +61,10 @@ TSX_API void TSXDocumentClose(TSXRefId document);
  *
  * On the last hand-out of the bare document node's id (TSXGetParentNode of the
  * document element) every node id of that document is dropped; the tree and the
- * document id stay. On the last hand-out of a document id the node ids go too,
- * but the document object is not freed: use TSXDocumentClose for those. */
+ * document id stay, but the tree of a cloned document goes. On the last hand-out of
+ * a document id the node ids go too, but the document object is not freed: use
+ * TSXDocumentClose for those. A document type that no document has taken goes with
+ * the last hand-out of its id. */
 TSX_API void TSXNodeClose(TSXRefId node);
 
 #ifdef __cplusplus
@@ -69,8 +72,8 @@ TSX_API void TSXNodeClose(TSXRefId node);
 
 /* The host's cleanup procedure: frees a document that its program left open.
  * `data` points to 8 bytes with the document id. The ids of the document and of
- * its nodes stay registered and answer with each function's reference code; they
- * are not given back. Exported under its C++ name, _Z21CleanupProcCXercesDOMPh,
+ * its nodes answer with each function's reference code from then on, however many
+ * hand-outs are open. Exported under its C++ name, _Z21CleanupProcCXercesDOMPh,
  * which is the symbol that a host asks for. */
 __attribute__((visibility("default"))) void CleanupProcCXercesDOM(unsigned char* data);
 #endif

@@ -14,7 +14,8 @@
  * Functions that name domErrUnexpected guard their DOM call; the others install
  * no handler, since theirs cannot fail. Only the exhaustion of memory, while a
  * string is converted or in an unguarded call, leaves as a C++ exception. A
- * failed call changes neither the tree nor any id.
+ * failed call changes neither the tree nor any id, but that a document type made
+ * for no document may have been taken by the document: its id goes with that then.
  *
  * Who frees what: a tree owns the nodes in it. A created node that is in no
  * tree yet is freed by TSXNodeClose, at EVERY close of its id, and at the

@@ -104,8 +104,10 @@ TSX_API TSXStatus TSXGetNodeType(TSXRefId node, uint64_t ignored, int32_t* typeO
  * attributes; the clone hangs nowhere. On failure, and where the DOM makes no
  * clone, *cloneOut is left as it was: set it to 0 before. A clone that is never
  * attached is freed with its document, not by TSXNodeClose. The clone of a
- * document is a bare document node, for which nothing but process exit frees
- * the memory. domErrRefCloneNode. */
+ * document is a bare document node that belongs to no document object, and the
+ * clone of a document type that no document has taken belongs to nothing: each is
+ * freed with the last hand-out of its id. domErrRefCloneNode; domErrUnexpected for
+ * a tree too deep for the stack of the calling thread. */
 TSX_API TSXStatus TSXCloneNode(TSXRefId node, const uint8_t* deep, TSXRefId* cloneOut);
 
 /* Merges neighbouring text nodes below any node into the first of them, with

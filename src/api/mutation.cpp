@@ -164,7 +164,7 @@ TSXStatus TSXImportNode(TSXRefId document, TSXRefId source, const uint8_t* deep,
   auto* pSource = FindObject<DOMNode>(source);
   if (pDom == nullptr) return domErrRefImportNode;
   if (pSource == nullptr) return domErrRefImportNodeArg;
-  return CMapsSupport::Run([&] {
+  const TSXStatus status = CMapsSupport::Run([&] {
     if (*deep != 0) depth::RequireRoom(*pSource, depth::kImportLevel);
     DOMNode* pCopy = pDom->m_pDoc->importNode(pSource, *deep != 0);
     if (pCopy == nullptr) return;
@@ -172,6 +172,7 @@ TSXStatus TSXImportNode(TSXRefId document, TSXRefId source, const uint8_t* deep,
     // Contract: the source is entered, not the copy.
     g_NodeDomMap.Insert(pSource, pDom);
   });
+  return status == 0 ? 0 : out.Fail(status);
 }
 
 TSXStatus TSXAppendChild(TSXRefId parent, TSXRefId child) {

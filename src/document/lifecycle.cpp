@@ -26,7 +26,7 @@ class CNewDocument {
   CNewDocument() : m_pDom(std::make_unique<CXercesDOM>()) {}
   ~CNewDocument() {
     if (m_pDom == nullptr) return;
-    g_NodeSessMap.Withdraw({m_pDom.get()});
+    g_NodeSessMap.Withdraw(m_pDom.get());
     g_NodeDomMap.DeleteByDom(m_pDom.get());
   }
   CNewDocument(const CNewDocument&) = delete;
@@ -57,9 +57,9 @@ CDOMOwner<DOMDocument> CreateTree(DOMImplementation& implementation, const XMLCh
 TSXRefId CreateDocument(DOMImplementation& implementation, const XMLCh* pURI, const XMLCh* pName,
                         DOMDocumentType* pType) {
   const COfferedNode offered(pType);
+  CNewDocument document;
   CDOMOwner<DOMDocument> tree = CreateTree(implementation, pURI, pName, pType);
   if (tree == nullptr) return 0;
-  CNewDocument document;
   document.Adopt(tree.release());
   document.Enter();
   const TSXRefId id = document.Register();
@@ -141,9 +141,11 @@ void CleanupProcCXercesDOM(unsigned char* data) {
   TSXRefId document = 0;
   std::memcpy(&document, data, sizeof document);
   CXercesDOM* pDom = FindObject<CXercesDOM>(document);
-  if (pDom == nullptr || !g_NodeDomMap.DeleteByDom(pDom)) return;
-  // Contract: the ids name nothing from here on, however many hand-outs are open.
-  g_NodeSessMap.WithdrawDocument(pDom->m_pDoc);
-  g_NodeSessMap.Withdraw(pDom);
-  DeleteDocumentObject(pDom);
+  Always<domErrUnexpected>::Run([&] {
+    if (pDom == nullptr || !g_NodeDomMap.DeleteByDom(pDom)) return;
+    // Contract: the ids name nothing from here on, however many hand-outs are open.
+    g_NodeSessMap.WithdrawDocument(pDom->m_pDoc);
+    g_NodeSessMap.Withdraw(pDom);
+    DeleteDocumentObject(pDom);
+  });
 }

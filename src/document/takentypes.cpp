@@ -27,12 +27,10 @@ absl::btree_multimap<const DOMDocument*, DOMNode*>& Types() {
 void COfferedNode::Tie() const {
   if (m_pFreeType == nullptr || m_pFreeType->getOwnerDocument() == nullptr) return;
   DOMDocument* pTaker = m_pFreeType->getOwnerDocument();
-  {
-    const std::lock_guard<std::mutex> lock(s_Mutex);
-    Types().emplace(pTaker, m_pFreeType);
-    s_HasAny = true;
-  }
   g_NodeSessMap.InsertDocNodeMapEntry(pTaker, m_pFreeType);
+  const std::lock_guard<std::mutex> lock(s_Mutex);
+  Types().emplace(pTaker, m_pFreeType);
+  s_HasAny = true;
 }
 
 namespace takentypes {

@@ -72,7 +72,7 @@ int32_t domHStrAppendCStr(HStr* string, const unsigned char* text) {
     *string = created;
   }
   HostMoveBytes(text, TextOf(**string) + BytesOf(oldCount), length);
-  (**string)->count = oldCount + static_cast<int32_t>(length);
+  (**string)->count = static_cast<int32_t>(BytesOf(oldCount) + length);
   return 0;
 }
 
@@ -99,16 +99,18 @@ int32_t domCopyHStr(HStr source, HStr* destination) {
 }
 
 int32_t domHStrCatEfficient(HStr destination, const HStrRecord* source) {
-  const int64_t needed = int64_t{kHeader} + (*destination)->count + source->count;
-  if (!Countable((*destination)->count, BytesOf(source->count))) return kRefused;
-  if (static_cast<uint64_t>(needed) > HostGetHandleSize(destination)) {
-    const int32_t status = HostSetHandleSize(destination, static_cast<size_t>(needed));
+  const size_t oldBytes = BytesOf((*destination)->count);
+  const size_t added = BytesOf(source->count);
+  if (!Countable((*destination)->count, added)) return kRefused;
+  const size_t needed = kHeader + oldBytes + added;
+  if (needed > HostGetHandleSize(destination)) {
+    const int32_t status = HostSetHandleSize(destination, needed);
     if (status != 0) return status;
   }
   HStrRecord* pRecord = *destination;
   HostMoveBytes(reinterpret_cast<const unsigned char*>(source) + kHeader,
-                TextOf(pRecord) + BytesOf(pRecord->count), BytesOf(source->count));
-  pRecord->count += source->count;
+                TextOf(pRecord) + oldBytes, added);
+  pRecord->count = static_cast<int32_t>(oldBytes + added);
   return 0;
 }
 

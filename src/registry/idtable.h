@@ -80,9 +80,9 @@ class CIdTable {
   }
 
   void OpenPage(unsigned long number) {
-    std::unique_ptr<CPage>& page = m_Pages[number];
-    if (page == nullptr) page = std::make_unique<CPage>();
-    CPage* pLeft = std::exchange(m_pNewest, page.get());
+    auto fresh = std::make_unique<CPage>();
+    const auto [entry, isNew] = m_Pages.try_emplace(number, std::move(fresh));
+    CPage* pLeft = std::exchange(m_pNewest, entry->second.get());
     const unsigned long left = std::exchange(m_NewestPage, number);
     if (pLeft != nullptr && pLeft->m_Used == 0) ClosePage(left);
   }

@@ -18,7 +18,7 @@ void CNodeDomMap::Insert(DOMNode* pNode, CXercesDOM* pDom) {
   const CEntry entry{pDom, TreeOf(pNode)};
   CHostLock lock(m_Mutex);
   if (m_NodeToDom.contains(pNode)) return;
-  // The entry comes last: an index that runs ahead of it does no harm.
+  // The entry comes last: what an index has beside it when that fails is passed over.
   m_ByDom.emplace(pDom, pNode);
   m_ByTree.emplace(entry.m_pTree, pNode);
   m_NodeToDom.emplace(pNode, entry);
@@ -37,12 +37,12 @@ bool CNodeDomMap::DeleteByNode(DOMNode* pNode) {
 
 bool CNodeDomMap::DeleteByDom(CXercesDOM* pDom) {
   CHostLock lock(m_Mutex);
-  return pDom != nullptr && EraseAll(m_ByDom, pDom);
+  return pDom != nullptr && EraseAll(m_ByDom, &CEntry::m_pDom, pDom);
 }
 
 void CNodeDomMap::DeleteByTree(const DOMDocument* pDoc) {
   CHostLock lock(m_Mutex);
-  EraseAll(m_ByTree, pDoc);
+  EraseAll(m_ByTree, &CEntry::m_pTree, pDoc);
 }
 
 void CNodeDomMap::Delete(const std::vector<DOMNode*>& nodes) {
@@ -61,14 +61,18 @@ bool CNodeDomMap::Erase(DOMNode* pNode) {
 }
 
 template <class Owner>
-bool CNodeDomMap::EraseAll(const CIndex<Owner>& index, Owner owner) {
-  std::vector<DOMNode*> nodes;
-  for (auto entry = index.lower_bound({owner, nullptr});
-       entry != index.end() && entry->first == owner; ++entry) {
-    nodes.push_back(entry->second);
+bool CNodeDomMap::EraseAll(CIndex<Owner>& index, Owner CEntry::*pOwner, Owner owner) {
+  bool erased = false;
+  while (true) {
+    const auto first = index.lower_bound({owner, nullptr});
+    if (first == index.end() || first->first != owner) return erased;
+    const auto entry = m_NodeToDom.find(first->second);
+    if (entry != m_NodeToDom.end() && entry->second.*pOwner == owner) {
+      erased = Erase(first->second);
+    } else {
+      index.erase(first);
+    }
   }
-  for (DOMNode* pNode : nodes) Erase(pNode);
-  return !nodes.empty();
 }
 
 size_t CNodeDomMap::EntryCount() {

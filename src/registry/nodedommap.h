@@ -56,7 +56,7 @@ class CNodeDomMap {
 
   bool Erase(xercesc::DOMNode* pNode) TESSEL_REQUIRES(m_Mutex);
   template <class Owner>
-  bool EraseAll(const CIndex<Owner>& index, Owner owner) TESSEL_REQUIRES(m_Mutex);
+  bool EraseAll(CIndex<Owner>& index, Owner CEntry::*pOwner, Owner owner) TESSEL_REQUIRES(m_Mutex);
 
   // The indexes say which entries go with a document object and which with a tree.
   absl::btree_map<xercesc::DOMNode*, CEntry> m_NodeToDom TESSEL_GUARDED_BY(m_Mutex);

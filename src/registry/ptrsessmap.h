@@ -138,6 +138,7 @@ class TESSEL_DATA CPtrSessMap {
     const unsigned long id = NextId();
     m_Slots.Reserve(id);
     m_PtrToSess.Insert(p, id);
+    m_LastSess = id;
     slot.m_pObject = p;
     slot.m_RefCount = 1;
     m_Slots.Occupy(id, slot);
@@ -180,10 +181,11 @@ class TESSEL_DATA CPtrSessMap {
   }
 
   unsigned long NextId() TESSEL_REQUIRES(m_Mutex) {
+    unsigned long id = m_LastSess;
     do {
-      ++m_LastSess;
-    } while (m_Slots.Find(m_LastSess) != nullptr);
-    return m_LastSess;
+      ++id;
+    } while (m_Slots.Find(id) != nullptr);
+    return id;
   }
 
   unsigned long m_LastSess TESSEL_GUARDED_BY(m_Mutex) = 0;

@@ -45,6 +45,17 @@ TEST_F(Values, AppendingShrinksOnlyWhereItSaysSo) {
   EXPECT_EQ(domHStrAppendCStr(&text, nullptr), 0);
   EXPECT_EQ(text.Str(), "abcdefg");
   EXPECT_EQ(HostGetHandleSize(*(&text)), 11u);
+  // A negative count means no bytes, and must not shorten what is asked of the host.
+  CText damaged("abc");
+  (**(&damaged))->count = -10;
+  EXPECT_EQ(domHStrCatEfficient(*(&damaged), **(&text)), 0);
+  EXPECT_EQ(damaged.Str(), "abcdefg");
+  EXPECT_EQ(HostGetHandleSize(*(&damaged)), 11u);
+  (**(&damaged))->count = -1;
+  EXPECT_EQ(domHStrCat(*(&text), **(&damaged)), 0);
+  EXPECT_EQ(domHStrAppendCStr(&damaged, Bytes("x")), 0);
+  EXPECT_EQ(damaged.Str(), "x");
+  EXPECT_EQ(text.Str(), "abcdefg");
   CText made;
   EXPECT_EQ(domHStrAppendCStr(&made, Bytes("")), 0);
   EXPECT_FALSE(made.IsNull());

@@ -8,7 +8,7 @@ trap 'rm -rf "$work"' EXIT
 
 fail() { echo "debian: $*" >&2; exit 1; }
 field() { dpkg-deb -f "$work/$1"_*.deb "$2"; }
-depends() { field "$1" Depends | grep -qF "$2" || fail "$1 does not depend on $2"; }
+depends() { field "$1" Depends | grep -F > /dev/null "$2" || fail "$1 does not depend on $2"; }
 holds() { grep -qE "$2" "$work/$1.files"; }
 
 cpack --config "$build/CPackConfig.cmake" -G DEB -B "$work" > "$work/log" 2>&1 ||
@@ -39,6 +39,6 @@ twice=$(sort "$work"/*.files | uniq -d)
 if [[ $packages == *" tessel" ]]; then
   depends tessel "libtessel$major (= $version)"
   lib=$(dirname "$(find "$work/root" -name "libTessel.so.$major")")
-  LD_LIBRARY_PATH=$lib "$work/root/usr/bin/tessel" --version | grep -qF "Tessel $version" ||
+  LD_LIBRARY_PATH=$lib "$work/root/usr/bin/tessel" --version | grep -F > /dev/null "Tessel $version" ||
     fail "the client"
 fi

@@ -19,7 +19,7 @@ cd "$work/examples"
 
 run_all() {
   local way=$1 folder=$2
-  "$folder/restock" data/stock.xml "$work/$way.xml" | grep -q 'Saw: 7 -> 10' ||
+  "$folder/restock" data/stock.xml "$work/$way.xml" | grep > /dev/null 'Saw: 7 -> 10' ||
     fail "$way: restock"
   "$folder/own_host" || fail "$way: own_host"
 }
@@ -40,17 +40,17 @@ quietly cc -std=c99 -Wall -Werror readme.c -o readme \
   $(pkg-config --cflags --libs tessel tessel-host)
 [ "$(./readme)" = '<floor><tile/></floor>' ] || fail "the README's program"
 
-python3 python/restock.py data/stock.xml "$work/python.xml" | grep -q '^not valid' ||
+python3 python/restock.py data/stock.xml "$work/python.xml" | grep > /dev/null '^not valid' ||
   fail "python: a list without its schema is not valid"
 cp data/stock.xsd "$work"
-python3 python/restock.py data/stock.xml "$work/python.xml" | grep -q '^valid' ||
+python3 python/restock.py data/stock.xml "$work/python.xml" | grep > /dev/null '^valid' ||
   fail "python: the new list is valid"
 python3 python/test_tessel.py 2> /dev/null || fail "python: test_tessel.py"
 
 # The client finds the library by itself.
 unset LD_LIBRARY_PATH
 if [ -e "$prefix/bin/tessel" ]; then
-  "$prefix/bin/tessel" --version | grep -qF "Tessel $version" || fail "tessel --version"
+  "$prefix/bin/tessel" --version | grep -F > /dev/null "Tessel $version" || fail "tessel --version"
   man -l -Tascii "$prefix/share/man/man1/tessel.1" > /dev/null 2>&1 || [ -z "$(type -P man)" ] ||
     fail "the man page cannot be shown"
 fi
