@@ -5,7 +5,11 @@
  * local code page. Every id written is one hand-out, owed back with TSXNodeClose;
  * it is the same id that navigation gives for the node. The evaluation changes
  * nothing and keeps nothing: nodes are looked at as the expression reaches them, so
- * "@id" or "../x[1]" cost the same in a document of any size.
+ * "@id" or "../x[1]" cost the same in a document of any size. Paths of names, "*",
+ * "@", "..", "//" and positions written as numbers ("/x/y[2]/@z" or "//x/y", but not
+ * "//x[2]") are followed on the tree itself: a position ends its step, and where one
+ * node is asked for the path ends at the first. Other expressions cost several times
+ * as much for each node.
  *
  * Names. A prefix means what it means at the context node (at a document: at its
  * root element); "xml" always has its meaning; one that is not declared there is a

@@ -9,9 +9,12 @@
 
 #include "xpath/expressionform.h"
 #include "xpath/expressionlimits.h"
+#include "xpath/plainpath.h"
 #include "xpath/xalanlibrary.h"
 
 namespace {
+
+constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
 
 // The first step of an evaluation.
 xercesc::DOMNode& Begin(xercesc::DOMNode* pContext) {
@@ -49,14 +52,15 @@ std::vector<xercesc::DOMNode*> Unwrap(const xalanc::NodeRefListBase& nodes, std:
 
 }  // namespace
 
-XPathManager::XPathManager(xercesc::DOMNode* pContext)
-    : m_Tree(Begin(pContext)),
+XPathManager::XPathManager(xercesc::DOMNode* pContext, EPlainPaths plainPaths)
+    : m_PlainPaths(plainPaths),
+      m_Tree(Begin(pContext)),
       m_Order(m_Tree),
       m_Scope(*pContext),
       m_Execution(m_Environment, m_Order, m_Factory, &m_Tree.Context(), nullptr, &m_Scope) {}
 
 std::vector<xercesc::DOMNode*> XPathManager::Evaluate(const XMLCh* pExpression) {
-  return Select(pExpression, std::numeric_limits<std::size_t>::max());
+  return Select(pExpression, kAll);
 }
 
 std::vector<xercesc::DOMNode*> XPathManager::EvaluateFirst(const XMLCh* pExpression) {
@@ -66,6 +70,10 @@ std::vector<xercesc::DOMNode*> XPathManager::EvaluateFirst(const XMLCh* pExpress
 std::vector<xercesc::DOMNode*> XPathManager::Select(const XMLCh* pExpression, std::size_t most) {
   CheckExpression(pExpression);
   const CCompiled asWritten(pExpression, m_Scope);  // errors are about the host's own text
+  if (m_PlainPaths == EPlainPaths::kOnDom && m_Tree.HasPlainRoot()) {
+    const auto path = CPlainPath::Read(pExpression, m_Scope);
+    if (path) return path->Select(*CXPathTree::Unwrap(m_Tree.Context()), *m_Tree.Top(), most);
+  }
   const auto rewritten = CExpressionForm(pExpression).Rewritten();
   if (!rewritten) return Execute(asWritten.Get(), most);
   return Execute(CCompiled(rewritten->c_str(), m_Scope).Get(), most);

@@ -48,13 +48,17 @@ class CXPathOrder final : public xalanc::DOMSupport {
   const xalanc::XalanDOMString m_None;
 };
 
+// Who follows what plainpath.h calls plain. The results are the same: Xalan-C serves
+// for comparison.
+enum class EPlainPaths { kOnDom, kByXalan };
+
 // One evaluation; make it on the stack and let it go before the tree changes. One
 // thread, and nobody else may work on the document meanwhile. Throws what RunXPath
 // of xpathguard.h maps.
 class XPathManager {
  public:
   // Borrows the context, a node of any kind. Null is domErrXPathContext.
-  explicit XPathManager(xercesc::DOMNode* pContext);
+  explicit XPathManager(xercesc::DOMNode* pContext, EPlainPaths plainPaths = EPlainPaths::kOnDom);
   XPathManager(const XPathManager&) = delete;
   XPathManager& operator=(const XPathManager&) = delete;
 
@@ -67,6 +71,7 @@ class XPathManager {
   std::vector<xercesc::DOMNode*> Select(const XMLCh* pExpression, std::size_t most);
   std::vector<xercesc::DOMNode*> Execute(const xalanc::XPath& xpath, std::size_t most);
 
+  const EPlainPaths m_PlainPaths;
   CXPathTree m_Tree;
   CXPathOrder m_Order;
   CNamespaceScope m_Scope;

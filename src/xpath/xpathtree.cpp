@@ -19,10 +19,13 @@ DOMNode* TopOf(DOMNode& node) {
   return pTop;
 }
 
-bool StandsAtRoot(const DOMNode& top, const DOMNode& context) {
+bool IsPlainRoot(const DOMNode& top) {
   const DOMNode::NodeType type = top.getNodeType();
-  return type == DOMNode::DOCUMENT_NODE || type == DOMNode::DOCUMENT_FRAGMENT_NODE ||
-         (type == DOMNode::ATTRIBUTE_NODE && &top != &context);
+  return type == DOMNode::DOCUMENT_NODE || type == DOMNode::DOCUMENT_FRAGMENT_NODE;
+}
+
+bool StandsAtRoot(const DOMNode& top, const DOMNode& context) {
+  return IsPlainRoot(top) || (top.getNodeType() == DOMNode::ATTRIBUTE_NODE && &top != &context);
 }
 
 bool IsAttributeAfter(const DOMNode& attribute, const DOMNode& other) {
@@ -125,6 +128,8 @@ void CXPathTree::MakeRoot(bool standsForItself) {
     pRoot->Wrapped().Link(nullptr, Wrap(m_pTop));
   }
 }
+
+bool CXPathTree::HasPlainRoot() const { return IsPlainRoot(*m_pTop); }
 
 XalanNode* CXPathTree::Wrap(DOMNode* pNode) {
   if (pNode == nullptr) return nullptr;

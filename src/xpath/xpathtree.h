@@ -83,6 +83,8 @@ class CXPathTree {
   xalanc::XalanDocument& Root() { return *m_pRoot; }
   xalanc::XalanElement& NoElement() { return *m_pNoElement; }
   xercesc::DOMNode* Top() { return m_pTop; }
+  // Whether the top is a document or a fragment.
+  bool HasPlainRoot() const;
   // The wrapping node, null for null. The node must hang in this tree.
   xalanc::XalanNode* Wrap(xercesc::DOMNode* pNode);
   // The DOM node, null for a node that stands for none.

@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <new>
+#include <random>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -18,6 +19,7 @@
 #include <xercesc/util/PlatformUtils.hpp>
 
 #include "xpath/expressionlimits.h"
+#include "xpath/plainpath.h"
 #include "xpath/xpathguard.h"
 #include "xpath/xpathmanager.h"
 
@@ -87,11 +89,12 @@ struct CAnswer {
   std::vector<DOMNode*> m_Nodes;
 };
 
-CAnswer Ask(DOMNode* pContext, const std::u16string& expression) {
+CAnswer Ask(DOMNode* pContext, const std::u16string& expression,
+            EPlainPaths plainPaths = EPlainPaths::kOnDom) {
   CAnswer answer{};
-  answer.m_Status =
-      RunXPath([&] { answer.m_Nodes = XPathManager(pContext).Evaluate(expression.c_str()); },
-               answer.m_Message);
+  answer.m_Status = RunXPath(
+      [&] { answer.m_Nodes = XPathManager(pContext, plainPaths).Evaluate(expression.c_str()); },
+      answer.m_Message);
   return answer;
 }
 
@@ -233,6 +236,8 @@ TEST_F(XPathAllKinds, PathsPredicatesAndFunctions) {
                        {"doc", "//a[starts-with(., 't')]/@id", "@id=A"},
                        {"doc", "//*[local-name() = 'd' or name() = 'i']", "i d"},
                        {"s", "a[count(node()) = last() * 2]/@id", "@id=A"},
+                       {"s", "*/..", "s"},
+                       {"A", ".//a/b", ""},
                        {"q", ".", "@q=2"},
                        {"q", "node()", ""},
                    });
@@ -659,6 +664,124 @@ TEST(XPathLimits, DeepTrees) {
     EXPECT_EQ(u"The evaluation goes too deep for this thread's stack.", answer.m_Message);
   });
   RunOnStack(64 * 1024 * 1024, [&] { EXPECT_EQ("p:top", Select(document.get(), "/*[. = 'T']")); });
+}
+
+// -- Plain paths -----------------------------------------------------------------------
+
+// What follows a path on the DOM must give what Xalan-C gives, whatever the tree: random
+// paths from random nodes of random documents.
+class CPaths {
+ public:
+  explicit CPaths(unsigned seed) : m_Random(seed) {}
+
+  std::string Document() {
+    return "<!DOCTYPE a [<!ENTITY e 'x<a b=\"1\"/>'><!ATTLIST b d CDATA 'y'>]>"
+           "<!--c--><a xmlns:p='u' xmlns:q='u'>" +
+           Content(4) + "</a><?i d?>";
+  }
+
+  std::string Union() {
+    std::string text = Path();
+    if (OneIn(6)) text += " |" + Path();
+    // The same path to another name.
+    if (OneIn(4)) text += "|" + text.substr(0, text.find_last_of("/@:") + 1) + Any({"a", "b", "*"});
+    return text;
+  }
+
+  std::size_t Below(std::size_t count) { return m_Random() % count; }
+
+ private:
+  bool OneIn(unsigned count) { return Below(count) == 0; }
+  std::string Any(std::initializer_list<const char*> texts) {
+    return texts.begin()[Below(texts.size())];
+  }
+
+  std::string Content(int levels) {
+    std::string text;
+    for (std::size_t i = Below(5); i > 0; --i) {
+      text += levels == 0 || OneIn(3)
+                  ? Any({"t", "<!--c-->", "<?i d?>", "<![CDATA[s]]>", "&e;", "<b/>"})
+                  : Element(levels - 1);
+    }
+    return text;
+  }
+  std::string Element(int levels) {
+    const std::string name = Any({"a", "a", "b", "b", "p:a", "q:b"});
+    const std::string attributes = Any({"", " a='1'"}) + Any({"", " p:a='2'"}) +
+                                   Any({"", " xmlns='v'"}) + Any({"", " xmlns:p='v'"}) +
+                                   Any({"", " xml:lang='en'"});
+    return "<" + name + attributes + ">" + Content(levels) + "</" + name + ">";
+  }
+
+  std::string Path() {
+    std::string text = Any({"", "", "/", "//", ".//"}) + Step();
+    for (std::size_t i = Below(3); i > 0; --i) text += Any({"/", "/", "//"}) + Step();
+    return text;
+  }
+  std::string Step() {
+    if (OneIn(6)) return Any({".", ".."});
+    const std::string test = Any({"", "", "", "@", "self::", "parent:: ", "child::", "attribute::",
+                                  "descendant::", "descendant-or-self::", "ancestor::"}) +
+                             Any({"a", "a", "b", "b", "d", "*", "*", "p:a", "p:*", "q:b", "r:a",
+                                  "node()", "text()", "comment()", "xmlns", "xmlns:p", "xml:*"});
+    return !OneIn(4) ? test
+                     : test + Any({"[1]", "[ 2 ]", "[03]", "[0]", "[1.0]", "[18446744073709551617]",
+                                   "[last()]", "[1][1]", "[@a]"});
+  }
+
+  std::mt19937 m_Random;
+};
+
+void ExpectAsByXalan(DOMNode* pContext, const std::string& expression) {
+  const std::u16string wide = Wide(expression);
+  CAnswer slow = Ask(pContext, wide, EPlainPaths::kByXalan);
+  const CAnswer answer = Ask(pContext, wide);
+  EXPECT_EQ(slow.m_Status, answer.m_Status) << expression;
+  EXPECT_EQ(slow.m_Message, answer.m_Message) << expression;
+  EXPECT_EQ(slow.m_Nodes, answer.m_Nodes) << expression << " at " << Label(*pContext);
+  if (slow.m_Status != 0) return;
+  slow.m_Nodes.resize(std::min<std::size_t>(slow.m_Nodes.size(), 1));
+  EXPECT_EQ(slow.m_Nodes, XPathManager(pContext).EvaluateFirst(wide.c_str())) << expression;
+}
+
+// Of what may be plain, the one that is and the one that is not.
+TEST(XPathPlain, TellsPlainFromOther) {
+  constexpr std::u16string_view kPlain[] = {
+      u"/",        u"@id",       u"../item[3]",   u"/list/item[1]", u".//p:a/*/b/@c",
+      u"a[2]//@b", u"//a | //b", u"child::* [7]", u"text()[1]",     u"self::node()/parent::p:*"};
+  constexpr std::u16string_view kOther[] = {
+      u"//a[1]",      u"//a/b[1]",  u"//a/./b",  u"//a/..", u"//a//b",    u"descendant::a[2]/b",
+      u"a[1] | b[1]", u"a | /a",    u"a[0]",     u"a[1.5]", u"a[last()]", u"a[1][1]",
+      u"a[@b]",       u"a/b | c/b", u"a | b[1]", u"r:a",    u"@node()",   u"(a)",
+      u"a = b"};
+  const CDocument document = Parse("<a xmlns:p='u'/>");
+  const CNamespaceScope scope(*document);
+  for (const auto text : kPlain) EXPECT_TRUE(CPlainPath::Read(text, scope)) << Narrow(text.data());
+  for (const auto text : kOther) EXPECT_FALSE(CPlainPath::Read(text, scope)) << Narrow(text.data());
+}
+
+TEST(XPathPlain, SelectsWhatXalanSelects) {
+  for (unsigned seed = 0; seed < 40; ++seed) {
+    CPaths paths(seed);
+    const CDocument document = Parse(paths.Document(), seed % 4 != 0);
+    DOMElement* pRoot = document->getDocumentElement();
+    pRoot->setAttribute(u"xmlns:r", u"u");  // as names without namespaces
+    pRoot->appendChild(document->createElement(u"p:a"));
+    DOMNode* pFragment = document->createDocumentFragment();
+    pFragment->appendChild(pRoot->cloneNode(true));
+    DOMNode* pDetached = pRoot->cloneNode(true);
+    std::map<const DOMNode*, int> positions;
+    for (DOMNode* pTree : {static_cast<DOMNode*>(document.get()), pFragment, pDetached}) {
+      Number(pTree, positions);
+    }
+    std::vector<DOMNode*> contexts(positions.size());
+    for (const auto& [pNode, position] : positions) {
+      contexts[static_cast<std::size_t>(position)] = const_cast<DOMNode*>(pNode);
+    }
+    for (int i = 0; i < 50 && !HasFailure(); ++i) {
+      ExpectAsByXalan(contexts[paths.Below(contexts.size())], paths.Union());
+    }
+  }
 }
 
 // -- Threads -------------------------------------------------------------------------
