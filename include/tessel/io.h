@@ -26,13 +26,33 @@
 extern "C" {
 #endif
 
-/* -- Loading -------------------------------------------------------------- */
+/* -- Loading --------------------------------------------------------------
+ *
+ * What a document names is fetched while it loads: entities always, a document
+ * type from elsewhere and schemas as the options say (SECURITY.md has the table).
+ * A name is a path or a file: URL, relative to the document's own, or an http:,
+ * https: or ftp: URL; file operations wait for the network, too. What is missing,
+ * a directory, or cannot be reached is a fatal error with a line; a schema that is
+ * missing shows only in the errors that follow from it.
+ *
+ * Elements may be nested to any depth; with namespaces on, the time grows with the
+ * square of it. Beyond these limits a text gets a fatal error:
+ *   50,000 expansions of entities in one load, those in attributes, in default
+ *   attributes and of parameter entities included
+ *   250 levels, elements and references, from a reference to an entity down
+ *   with validation, a content model of more names than the calling thread's stack
+ *   has room for, at 208 bytes each after a reserve of 64 KB: 900 on 256 KB,
+ *   40,000 on 8 MB
+ * A schema has no such limits: load none from strangers. */
 
 /* Reads a file into a document and replaces its tree; the document id and the
  * parser's options stay. The new tree is what the parser produced, also when it
  * counted errors: all of it after validation errors, the part before a fatal
- * error, which a text that expands more than 50,000 entities gets too. A file that
- * cannot be opened is an error line, and the old tree stays.
+ * error. A file that cannot be opened is an error line, and the old tree stays.
+ * The file is read as it is at each moment: one that is removed or replaced
+ * meanwhile is read to its end, one that is cut or grows is what it has become.
+ * Devices and pipes are read to their end, too; a pipe that nobody writes to, or a
+ * source without end, keeps the call from returning, and all other file operations.
  *
  * The ids of the old tree's nodes are withdrawn, the id of the bare document
  * node stays and names nothing; both answer with each function's reference code.
@@ -73,9 +93,12 @@ TSX_API TSXStatus TSXElementSetXML(TSXRefId element, HStr* xmlText, HStr* parseE
 
 /* Writes a node with all below it as XML text, in the encoding of its document,
  * and copies it to *xmlOut in one step: bytes in that encoding, not in the local
- * code page. A document id writes the XML declaration too.
+ * code page. A document id writes the XML declaration too. The deepest tree that
+ * is written depends on the calling thread's stack: 1,300 levels on 256 KB, 57,000 on
+ * 8 MB, for files too.
  *   domErrRefGetXMLCommon   no node; *xmlOut is cleared
- *   domErrSerialize         the writer raised; *xmlOut is left alone, as below
+ *   domErrSerialize         the writer raised, or the tree is too deep; *xmlOut is
+ *                           left alone, as below
  *   domErrInvalidCharacter  the writer could not write the node: an encoding that
  *                           nobody knows, or an attribute, which is no XML alone
  *   domErrUnexpected        no writer could be made
@@ -88,15 +111,20 @@ TSX_API TSXStatus TSXGetXML(TSXRefId node, HStr* xmlOut);
 /* TSIGetXMLCommon with line breaks and indentation between elements. */
 TSX_API TSXStatus TSXGetXMLPP(TSXRefId node, HStr* xmlOut);
 
-/* Writes a document to a file, which is created or truncated first: after a
- * failure its content is undefined, so write beside the target and rename where
- * that matters. After any failure *errorText is "Failed to write file"; on success
- * it is left alone. Should the writer refuse without a message, the status is 0 all
- * the same and *errorText is the only sign.
+/* Writes a document to a file, which is created or truncated first; it may be the
+ * one that the document was loaded from. What a failure leaves on the disk:
+ *   the file could not be opened, or the tree is too deep  the file as it was
+ *   an encoding that nobody knows                          an empty file
+ *   a full disk, or a problem with the document            the beginning of the text
+ * So write beside the target and rename where the old content matters. Nothing is
+ * forced to the disk. After any failure *errorText is "Failed to write file"; on
+ * success it is left alone. Should the writer refuse without a message, the status
+ * is 0 all the same and *errorText is the only sign.
  *   domErrRefSaveFilePP  no document object; *errorText is left alone
  *   domErrPathSaveFile   not a path, or an empty one; *errorText is left alone
- *   domErrSaveFile       the file could not be opened or written, or the writer
- *                        reported a problem, as of an encoding nobody knows
+ *   domErrSaveFile       the file could not be opened or written, the tree is too
+ *                        deep, or the writer reported a problem, as of an encoding
+ *                        nobody knows
  *   2                    the host refused the native path; nothing was written */
 TSX_API TSXStatus TSXSaveFile(TSXRefId document, HostPath path, HStr* errorText);
 

@@ -23,7 +23,7 @@ DOMDocument* NewEmptyDocument() {
 CXercesDOM::CXercesDOM() {
   // Held by owners until the last step that may throw has passed.
   auto reporter = std::make_unique<DOMTreeErrorReporter>();
-  auto parser = std::make_unique<xercesc::XercesDOMParser>();
+  auto parser = std::make_unique<CTreeParser>();
   parser->setErrorHandler(reporter.get());
   parser->setSecurityManager(&m_SecurityManager);
   m_pDoc = NewEmptyDocument();

@@ -3,10 +3,10 @@
 
 #include <memory>
 #include <xercesc/dom/DOM.hpp>
-#include <xercesc/parsers/XercesDOMParser.hpp>
 #include <xercesc/util/SecurityManager.hpp>
 
 #include "document/errorreporter.h"
+#include "document/treeparser.h"
 
 // Owns a document, the parser that fills it and the reporter that collects the
 // parser's messages. It is a DOM node itself, so that a document id serves every
@@ -65,11 +65,12 @@ class CXercesDOM : public xercesc::DOMNode {
   DOMNode* DocumentNode() const { return m_pDoc; }
 
   xercesc::DOMDocument* m_pDoc = nullptr;
-  xercesc::XercesDOMParser* m_pParser = nullptr;
+  CTreeParser* m_pParser = nullptr;
   DOMTreeErrorReporter* m_pErrorReporter = nullptr;
 
  private:
-  // Ends a parse that expands more than 50,000 entities, the XML library's own limit,
-  // in a fatal error: a kilobyte of text must not grow to gigabytes.
+  // Ends a parse that expands more than 50,000 entities in its content, the XML
+  // library's own limit: a kilobyte of text must not grow to gigabytes. CTreeParser
+  // looks after all other expansions.
   xercesc::SecurityManager m_SecurityManager;
 };

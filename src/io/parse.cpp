@@ -14,7 +14,8 @@ TSXStatus ReportParse(CXercesDOM& dom, HStr* pParseErrors) {
     ClearString(pParseErrors);
     return 0;
   }
-  domCopyHStr(dom.m_pErrorReporter->getEHMsg(), pParseErrors);
+  // A host that refuses the lines must not take those of an earlier call for them.
+  if (domCopyHStr(dom.m_pErrorReporter->getEHMsg(), pParseErrors) != 0) ClearString(pParseErrors);
   dom.m_pErrorReporter->resetEHMsg();
   return domErrParse;
 }

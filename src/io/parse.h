@@ -28,7 +28,7 @@ class CStringSource {
 template <class Source>
 CDOMOwner<xercesc::DOMDocument> ParseAndTake(CXercesDOM& dom, const Source& source) {
   dom.m_pParser->resetDocumentPool();
-  dom.m_pParser->parse(source);
+  dom.m_pParser->ParseLimited(source);
   return CDOMOwner<xercesc::DOMDocument>(dom.m_pParser->adoptDocument());
 }
 

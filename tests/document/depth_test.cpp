@@ -1,34 +1,39 @@
 // Trees that are too deep for a recursion: an answer, never an overflow.
 #include "document/depth.h"
 
-#include <thread>
-
 #include <pthread.h>
 
-#include "support/support.h"
+#include "document/treeparser.h"
+#include "support/path.h"
+#include "support/sanitizer.h"
 
 namespace {
 
 using support::CDoc;
+using support::CPath;
 using support::CText;
 using support::IdOf;
 
-std::string Nested(int levels) {
-  std::string xml;
-  for (int i = 0; i < levels; ++i) xml += "<d>";
-  xml += "x";
-  for (int i = 0; i < levels; ++i) xml += "</d>";
-  return xml;
+std::string Repeated(std::string_view text, int count) {
+  std::string all;
+  for (int i = 0; i < count; ++i) all += text;
+  return all;
+}
+
+std::string Nested(int levels, std::string_view inner = "x") {
+  return Repeated("<d>", levels) + std::string(inner) + Repeated("</d>", levels);
 }
 
 class Depth : public support::CLedgerTest {
  protected:
-  // Runs on a thread with a small stack.
+  static constexpr size_t kSmall = 256;  // kilobytes
+  static constexpr size_t kUsual = 8192;
+
   template <class Work>
-  static void OnSmallStack(Work work) {
+  static void OnStackOf(size_t kilobytes, Work work) {
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, size_t{256} * 1024), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, kilobytes * 1024), 0);
     pthread_t thread;
     const auto run = [](void* pWork) -> void* {
       (*static_cast<Work*>(pWork))();
@@ -47,6 +52,10 @@ class Depth : public support::CLedgerTest {
     const uint8_t deep = 1;
     CText text, xml(Nested(levels)), errors, exception;
     EXPECT_EQ(TSXGetXML(doc.Id(), &text), fits ? 0 : domErrSerialize);
+    CPath path("deep.xml");
+    path.Write("old");
+    EXPECT_EQ(TSXSaveFile(doc.Id(), path.Get(), &errors), fits ? 0 : domErrSaveFile);
+    EXPECT_EQ(path.Read(), fits ? text.Str() : "old") << "refused before the file is touched";
     TSXRefId copy = 0;
     EXPECT_EQ(TSXCloneNode(root, &deep, &copy), fits ? 0 : domErrUnexpected);
     EXPECT_EQ(TSXImportNode(target.Id(), root, &deep, &copy), fits ? 0 : domErrUnexpected);
@@ -54,19 +63,39 @@ class Depth : public support::CLedgerTest {
               fits ? 0 : domErrUnexpected);
     EXPECT_EQ(support::TextOf(TSXGetText, root), "x");
     EXPECT_EQ(TSXNormalize(root), 0);
-    CText expression("//d[last()]");
-    XPathEvaluateContextToNode(doc.Id(), &expression, &copy, &errors);
+    CText expression("//d[last()]"), textValue("/d[string() = 'x']");
+    EXPECT_EQ(XPathEvaluateContextToNode(doc.Id(), &expression, &copy, &errors), 0);
+    EXPECT_NE(copy, 0u);
+    const TSXStatus status = XPathEvaluateContextToNode(doc.Id(), &textValue, &copy, &errors);
+    if (status == 0) {
+      EXPECT_NE(copy, 0u);
+    } else {
+      EXPECT_EQ(status, domErrXPathXSL);
+      EXPECT_FALSE(fits);
+      EXPECT_FALSE(errors.IsNull());
+    }
     EXPECT_EQ(TSXRemoveChild(doc.Id(), root), 0);
     EXPECT_TRUE(support::Resolves(root)) << "another hand-out is open";
+  }
+
+  static TSXStatus LoadValidating(std::string_view xml, std::string* pErrors) {
+    CDoc doc;
+    const int32_t always = 1;
+    EXPECT_EQ(TSXSetValidateOnLoad(doc.Id(), 0, &always), 0);
+    return support::Load(doc.Id(), xml, pErrors);
   }
 };
 
 TEST_F(Depth, CallsOnASmallStackAnswer) {
-  OnSmallStack([] { CallEverything(500, true); });
-  OnSmallStack([] { CallEverything(20000, false); });
+  OnStackOf(kSmall, [] { CallEverything(500, true); });
+  OnStackOf(kSmall, [] { CallEverything(20000, false); });
 }
 
-TEST_F(Depth, AHundredThousandLevelsAnswer) { CallEverything(100000, false); }
+// A sanitizer is slow: a smaller stack takes fewer levels.
+TEST_F(Depth, CallsOnTheUsualStackAnswer) {
+  OnStackOf(support::kSanitized ? 2048 : kUsual,
+            [] { CallEverything(support::kSanitized ? 20000 : 100000, false); });
+}
 
 TEST_F(Depth, TooDeepComesBeforeAnEncodingThatNobodyHas) {
   CText unknown("nobody-s"), text;
@@ -77,8 +106,43 @@ TEST_F(Depth, TooDeepComesBeforeAnEncodingThatNobodyHas) {
   }
 }
 
+// The depths that the headers state, and a quarter more.
+TEST_F(Depth, StatedDepthsFit) {
+  enum class Call { kWrite, kClone, kImport };
+  struct {
+    Call call;
+    size_t kilobytes;
+    int levels;
+    TSXStatus beyond;
+  } const rows[] = {
+      {Call::kWrite, kSmall, 1300, domErrSerialize},
+      {Call::kWrite, kUsual, 57000, domErrSerialize},
+      {Call::kClone, kSmall, 900, domErrUnexpected},
+      {Call::kClone, kUsual, 39000, domErrUnexpected},
+      {Call::kImport, kSmall, 1450, domErrUnexpected},
+      {Call::kImport, kUsual, 64000, domErrUnexpected},
+  };
+  for (const auto& row : rows) {
+    for (const bool fits : {true, false}) {
+      const int levels = fits ? row.levels : row.levels + row.levels / 4;
+      SCOPED_TRACE(std::to_string(levels) + " on " + std::to_string(row.kilobytes));
+      OnStackOf(row.kilobytes, [&] {
+        CDoc doc(Nested(levels)), target("<t/>");
+        CText text;
+        const uint8_t deep = 1;
+        TSXRefId copy = 0;
+        const TSXStatus status = row.call == Call::kWrite ? TSXGetXML(doc.Id(), &text)
+                                 : row.call == Call::kClone
+                                     ? TSXCloneNode(doc.Root(), &deep, &copy)
+                                     : TSXImportNode(target.Id(), doc.Root(), &deep, &copy);
+        EXPECT_EQ(status, fits ? 0 : row.beyond);
+      });
+    }
+  }
+}
+
 TEST_F(Depth, DeepSubtreesAreFreedPieceByPiece) {
-  OnSmallStack([] {
+  OnStackOf(kSmall, [] {
     CDoc doc(Nested(100000));
     const TSXRefId root = doc.Root();
     TSXRefId deep = root;
@@ -87,6 +151,90 @@ TEST_F(Depth, DeepSubtreesAreFreedPieceByPiece) {
     EXPECT_FALSE(support::Resolves(root));
     EXPECT_FALSE(support::Resolves(deep));
   });
+}
+
+// Entity references stand at every level, so that there is one wherever a piece is cut.
+TEST_F(Depth, ReadOnlyPartsOfDeepSubtreesAreFreedWithThem) {
+  OnStackOf(kSmall, [] {
+    std::string xml = "<!DOCTYPE d [<!ENTITY e '<x><y/></x>'>]>";
+    CDoc doc(xml + Repeated("<d>&e;", 5000) + Repeated("</d>", 5000));
+    const TSXRefId root = doc.Root();
+    const TSXRefId inside = support::FirstChild(support::FirstChild(root));
+    EXPECT_EQ(support::Name(inside), "x");
+    EXPECT_EQ(TSXRemoveChild(doc.Id(), root), 0);
+    EXPECT_FALSE(support::Resolves(inside));
+  });
+}
+
+// What is within the limit of the parser may be looked into, copied and freed on any
+// stack; what is beyond it never becomes a tree.
+TEST_F(Depth, ContentOfEntitiesIsShallow) {
+  const auto asElements = [](int levels) {
+    return "<!DOCTYPE r [<!ENTITY e0 '" + Nested(levels) + "'>]><r>&e0;</r>";
+  };
+  const auto asReferences = [](int levels) {
+    std::string xml = "<!DOCTYPE r [<!ENTITY e" + std::to_string(levels) + " 'x'>";
+    for (int i = 0; i < levels; ++i) {
+      xml += "<!ENTITY e" + std::to_string(i) + " '&e" + std::to_string(i + 1) + ";'>";
+    }
+    return xml + "]><r>&e0;</r>";
+  };
+  const auto useEntity = [&](const std::string& xml) {
+    CDoc doc(xml);
+    const uint8_t deep = 1;
+    CText name("e0");
+    const TSXRefId type = IdOf(TSXGetDocType, doc.Id(), uint64_t{0});
+    const TSXRefId map = IdOf(TSXGetEntities, type, uint64_t{0});
+    const TSXRefId entity = IdOf(TSXGetNamedItem, map, &name);
+    TSXNamedNodeMapClose(map);
+    EXPECT_NE(support::FirstChild(entity), 0u);
+    EXPECT_NE(support::FirstChild(IdOf(TSXCreateEntityReference, doc.Id(), &name)), 0u);
+    EXPECT_NE(IdOf(TSXCloneNode, doc.Root(), &deep), 0u);
+    const TSXRefId root = doc.Root();
+    TSXNodeClose(root);
+    EXPECT_EQ(TSXRemoveChild(doc.Id(), root), 0);
+  };
+  constexpr int kMost = static_cast<int>(CTreeParser::kMostInEntity);
+  const std::string message = "the content of an entity is nested more than 250 levels deep";
+  OnStackOf(128, [&] {
+    useEntity(asElements(kMost - 1));
+    useEntity(asReferences(kMost - 1));
+    for (const std::string& xml : {asElements(kMost), asReferences(kMost), asElements(100000)}) {
+      CDoc doc;
+      std::string errors;
+      EXPECT_EQ(support::Load(doc.Id(), xml, &errors), domErrParse);
+      EXPECT_TRUE(errors.ends_with(message)) << errors;
+      EXPECT_EQ(support::Name(doc.Root()), "r");
+      EXPECT_EQ(support::Load(doc.Id(), Nested(1000)), 0) << "levels are counted anew";
+    }
+  });
+  // Levels are those inside references, however many of them there are.
+  std::string many = "<!DOCTYPE r [<!ENTITY e ''><!ENTITY f 'x<a/><b>&e;</b>'>]><r>";
+  CDoc doc(many + Repeated("&e;&f;", 1000) + Nested(1000) + "</r>");
+}
+
+// A validating parser makes an automaton of each content model, by recursion.
+TEST_F(Depth, ContentModelsTooLargeForTheStackAreRefused) {
+  const auto model = [](int names, char between) {
+    std::string xml = "<!DOCTYPE r [<!ELEMENT a EMPTY><!ELEMENT r (a";
+    for (int i = 1; i < names; ++i) {
+      xml += between;
+      xml += between == '|' ? "b" + std::to_string(i) : "a";
+    }
+    return xml + ")>]><r>" + Repeated("<a/>", between == '|' ? 1 : names) + "</r>";
+  };
+  for (const char between : {'|', ','}) {
+    OnStackOf(kSmall, [&] {
+      std::string errors;
+      EXPECT_EQ(LoadValidating(model(800, between), &errors), 0) << errors;
+      for (const int names : {1500, 5000}) {
+        EXPECT_EQ(LoadValidating(model(names, between), &errors), domErrParse);
+        EXPECT_TRUE(errors.ends_with("the content model is too large for the stack of this thread"))
+            << errors;
+      }
+      CDoc unvalidated(model(5000, between));
+    });
+  }
 }
 
 }  // namespace

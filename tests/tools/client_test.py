@@ -364,6 +364,26 @@ class ClientTest(unittest.TestCase):
         self.assertEqual(before, self.read("cat.xml"))
         self.assertEqual(names, sorted(os.listdir(self.folder)))
 
+    def test_full_disk_keeps_the_original(self):
+        # A disk of its own, with no room for a second file.
+        script = """mount -t tmpfs -o size=64k tessel "$2" || exit 77
+            head -c 30000 /dev/zero | tr '\\0' ' ' | cat "$3" - > "$2/doc.xml"
+            cp "$2/doc.xml" "$4"; head -c 16000 /dev/zero > "$2/filler"; cd "$2"
+            "$1" set --in-place doc.xml //colour "$(head -c 30000 /dev/zero | tr '\\0' x)"
+            echo "status $?"; cmp doc.xml "$4" && ls -A
+            rm filler; "$1" set --in-place doc.xml //colour red; echo "status $?"
+            "$1" query --text doc.xml //colour"""
+        disk, copy = self.path("disk"), self.path("copy")
+        os.mkdir(disk)
+        result = subprocess.run(
+            ["unshare", "-rm", "sh", "-c", script, "sh", CLIENT, disk, self.path("cat.xml"), copy],
+            stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=120)
+        if result.returncode == 77 or b"unshare" in result.stderr:
+            self.skipTest("the system does not let a test mount a disk of its own")
+        self.assertRegex(result.stderr.decode(),
+                         r"\Atessel: .*doc\.xml: No space left on device\n\Z")
+        self.assertEqual("status 1\ndoc.xml\nfiller\nstatus 0\nred\n", result.stdout.decode())
+
     def test_failed_save_keeps_the_original(self):
         target = os.path.realpath(self.path("cat.xml"))
         with self.subTest("no room for the new file"):

@@ -1,0 +1,136 @@
+#include "document/treeparser.h"
+
+#include <vector>
+#include <xercesc/framework/MemoryManager.hpp>
+#include <xercesc/internal/XMLReader.hpp>
+#include <xercesc/internal/XMLScanner.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/validators/DTD/DTDElementDecl.hpp>
+#include <xercesc/validators/common/ContentSpecNode.hpp>
+
+#include "host/stackroom.h"
+
+using xercesc::ContentSpecNode;
+using xercesc::XercesDOMParser;
+
+namespace {
+
+// What a level of a content model takes, measured, with a margin; bytes of stack.
+constexpr std::size_t kModelLevel = 208;
+
+// "(a, b, c)" is a pair of a and the pair of b and c, so a list is deep, too.
+bool IsDeeper(const ContentSpecNode* pModel, std::size_t most) {
+  struct CPending {
+    const ContentSpecNode* m_pNode;
+    std::size_t m_Level;
+  };
+  std::vector<CPending> pending{{pModel, 0}};
+  while (!pending.empty()) {
+    const CPending next = pending.back();
+    pending.pop_back();
+    if (next.m_pNode == nullptr) continue;
+    if (next.m_Level > most) return true;
+    pending.push_back({next.m_pNode->getFirst(), next.m_Level + 1});
+    pending.push_back({next.m_pNode->getSecond(), next.m_Level + 1});
+  }
+  return false;
+}
+
+}  // namespace
+
+// -- Expansions ------------------------------------------------------------------
+
+// The memory of all parsers and of what they make. Every expansion begins with a
+// reader, which nothing else equals in size, and it is the only step that all of them
+// have in common.
+class CTreeParser::CReaderMeter final : public xercesc::MemoryManager {
+ public:
+  // Documents keep it: it belongs to no parser.
+  static CReaderMeter& Instance() {
+    static CReaderMeter s_Meter;
+    return s_Meter;
+  }
+  static CTreeParser*& Parsing() {
+    thread_local CTreeParser* s_pParsing = nullptr;
+    return s_pParsing;
+  }
+
+  void* allocate(XMLSize_t size) override {
+    const bool isReader = size - sizeof(xercesc::XMLReader) <= kMostHeader;
+    if (isReader && Parsing() != nullptr) Parsing()->CountReader();
+    return xercesc::XMLPlatformUtils::fgMemoryManager->allocate(size);
+  }
+  void deallocate(void* pMemory) override {
+    xercesc::XMLPlatformUtils::fgMemoryManager->deallocate(pMemory);
+  }
+  MemoryManager* getExceptionMemoryManager() override {
+    return xercesc::XMLPlatformUtils::fgMemoryManager->getExceptionMemoryManager();
+  }
+
+ private:
+  static constexpr XMLSize_t kMostHeader = 64;  // before an object, bytes
+};
+
+CTreeParser::CTreeParser() : XercesDOMParser(nullptr, &CReaderMeter::Instance()) {}
+
+CTreeParser::CParsing::CParsing(CTreeParser& parser) : m_pOuter(CReaderMeter::Parsing()) {
+  parser.m_Readers = 0;
+  parser.m_Level = 0;
+  CReaderMeter::Parsing() = &parser;
+}
+
+CTreeParser::CParsing::~CParsing() { CReaderMeter::Parsing() = m_pOuter; }
+
+// The first reader is the document's own.
+void CTreeParser::CountReader() {
+  if (++m_Readers > kMostExpansions + 1) {
+    getScanner()->emitError(xercesc::XMLErrs::EntityExpansionLimitExceeded, u"50000");
+  }
+}
+
+// -- Depth -----------------------------------------------------------------------
+
+// An empty element is ended by the base.
+void CTreeParser::startElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
+                               const XMLCh* pPrefix,
+                               const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                               XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
+  if (m_Level != 0) GoDeeper();
+  XercesDOMParser::startElement(declaration, uri, pPrefix, attributes, attributeCount, isEmpty,
+                                isRoot);
+}
+
+void CTreeParser::endElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
+                             bool isRoot, const XMLCh* pPrefix) {
+  if (m_Level != 0) --m_Level;
+  XercesDOMParser::endElement(declaration, uri, isRoot, pPrefix);
+}
+
+void CTreeParser::startEntityReference(const xercesc::XMLEntityDecl& declaration) {
+  GoDeeper();
+  XercesDOMParser::startEntityReference(declaration);
+}
+
+void CTreeParser::endEntityReference(const xercesc::XMLEntityDecl& declaration) {
+  if (m_Level != 0) --m_Level;
+  XercesDOMParser::endEntityReference(declaration);
+}
+
+void CTreeParser::elementDecl(const xercesc::DTDElementDecl& declaration, bool isIgnored) {
+  const bool isUsed = getValidationScheme() != Val_Never;
+  if (isUsed && IsDeeper(declaration.getContentSpec(), StackRoom() / kModelLevel)) {
+    Stop(u"the content model is too large for the stack of this thread");
+  }
+  XercesDOMParser::elementDecl(declaration, isIgnored);
+}
+
+void CTreeParser::GoDeeper() {
+  if (++m_Level > kMostInEntity) {
+    Stop(u"the content of an entity is nested more than 250 levels deep");
+  }
+}
+
+// Leaves by the scanner's own exception, which it catches.
+void CTreeParser::Stop(const char16_t* pMessage) {
+  getScanner()->emitError(xercesc::XMLErrs::XMLException_Fatal, pMessage);
+}

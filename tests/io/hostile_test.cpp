@@ -1,0 +1,238 @@
+// Documents that mean harm, or are cut off: a code and a message each, and the
+// document object goes on working.
+#include <sys/stat.h>
+
+#include <thread>
+
+#include "support/path.h"
+#include "support/sanitizer.h"
+
+namespace {
+
+using support::CDoc;
+using support::CPath;
+using support::CText;
+using support::TextOf;
+
+std::string Repeated(std::string_view text, int count) {
+  std::string all;
+  for (int i = 0; i < count; ++i) all += text;
+  return all;
+}
+
+std::string Numbered(const char* pName, int number) { return pName + std::to_string(number); }
+
+class Hostile : public support::CLedgerTest {
+ protected:
+  struct CAnswer {
+    TSXStatus status;
+    std::string errors;
+  };
+
+  static CAnswer Load(const CDoc& doc, std::string_view xml) {
+    CAnswer answer{};
+    std::string exception;
+    answer.status = support::Load(doc.Id(), xml, &answer.errors, &exception);
+    EXPECT_EQ(exception, "");
+    return answer;
+  }
+
+  static CAnswer LoadFile(const CDoc& doc, const CPath& path) {
+    CText errors, exception;
+    const TSXStatus status = TSXLoadFile(doc.Id(), path.Get(), &errors, &exception);
+    EXPECT_TRUE(exception.IsNull());
+    return {status, errors.Str()};
+  }
+
+  static void ExpectRefused(const CAnswer& answer, std::string_view message) {
+    EXPECT_EQ(answer.status, domErrParse);
+    EXPECT_NE(answer.errors.find(message), std::string::npos) << answer.errors;
+  }
+
+  static void ValidateWithSchemas(const CDoc& doc) {
+    const uint8_t on = 1;
+    const int32_t always = 1;
+    EXPECT_EQ(TSXSetDoNamespaces(doc.Id(), 0, &on), 0);
+    EXPECT_EQ(TSXSetDoSchema(doc.Id(), 0, &on), 0);
+    EXPECT_EQ(TSXSetValidateOnLoad(doc.Id(), 0, &always), 0);
+  }
+};
+
+// Twelve entities of ten references each, wherever references are expanded.
+TEST_F(Hostile, EntitiesThatWantToBecomeGigabytesAreStopped) {
+  std::string general = "<!DOCTYPE r [<!ENTITY e0 'ha'>";
+  std::string parameter = "<!DOCTYPE r [<!ENTITY % e0 ''>";
+  for (int i = 1; i < 12; ++i) {
+    const std::string inner = Numbered("e", i - 1);
+    general += "<!ENTITY " + Numbered("e", i) + " '" + Repeated("&" + inner + ";", 10) + "'>";
+    parameter +=
+        "<!ENTITY % " + Numbered("e", i) + " '" + Repeated("&#37;" + inner + ";", 10) + "'>";
+  }
+  const std::string rows[] = {
+      general + "]><r>&e11;</r>",
+      general + "]><r a='&e11;'/>",
+      general + "<!ATTLIST r a CDATA '&e11;'>]><r/>",
+      parameter + "%e11;]><r/>",
+  };
+  CDoc doc;
+  for (const std::string& row : rows) {
+    SCOPED_TRACE(row.substr(row.size() - 30));
+    ExpectRefused(Load(doc, row), "more than '50000' entity expansions");
+    EXPECT_EQ(Load(doc, "<r/>").status, 0) << "expansions are counted anew";
+  }
+  const std::string some = "<!DOCTYPE r [<!ENTITY % p ''>" + Repeated("%p;", 1000) +
+                           "<!ENTITY e 'x'>]><r>" + Repeated("&e;", 1000) + "</r>";
+  for (int i = 0; i < 30; ++i) EXPECT_EQ(Load(doc, some).status, 0);
+}
+
+TEST_F(Hostile, EveryPrefixOfAGoodDocumentAnswers) {
+  const std::string good =
+      "<?xml version='1.0' encoding='UTF-8'?>\n<!-- caf\xc3\xa9 -->\n"
+      "<!DOCTYPE r [<!ELEMENT r ANY><!ATTLIST r a CDATA 'd' id ID #IMPLIED>"
+      "<!ENTITY e '<b>\xe2\x82\xac</b>'><!ENTITY % p '<!--p-->'>%p;<!NOTATION n PUBLIC 'n'>]>\n"
+      "<r id='i' xmlns:x='urn:x'>&e;&#x1F600;\xf0\x9f\x98\x80<x:y a=\"&lt;\"/>"
+      "<![CDATA[<raw>]]><?pi data?></r>\n<?end?>";
+  const size_t whole = good.find("</r>") + 4;
+  const size_t lastPart = good.find("<?end");
+  for (const bool validating : {false, true}) {
+    CDoc doc, target("<t><u/></t>");
+    if (validating) ValidateWithSchemas(doc);
+    const TSXRefId element = support::FirstChild(target.Root());
+    for (size_t size = 0; size < good.size(); ++size) {
+      SCOPED_TRACE(size);
+      const std::string prefix = good.substr(0, size);
+      const CAnswer answer = Load(doc, prefix);
+      const bool isWhole = size >= whole && (size <= lastPart);
+      if (!validating) {
+        EXPECT_EQ(answer.status, isWhole ? 0 : domErrParse);
+      }
+      EXPECT_EQ(answer.errors.empty(), answer.status == 0);
+      if (!isWhole) {
+        EXPECT_TRUE(answer.errors.starts_with("Line ")) << answer.errors;
+      }
+      CText xml, text(prefix), errors, exception;
+      EXPECT_EQ(TSXGetXML(doc.Id(), &xml), 0) << "whatever was read can be written";
+      EXPECT_EQ(TSXElementSetXML(element, &text, &errors, &exception), isWhole ? 0 : domErrParse);
+      EXPECT_EQ(errors.IsNull(), isWhole);
+    }
+    EXPECT_EQ(Load(doc, "<!DOCTYPE r [<!ELEMENT r ANY>]><r/>").status, 0);
+  }
+}
+
+TEST_F(Hostile, TruncatedCharactersAreRefused) {
+  using namespace std::string_literals;
+  CDoc doc;
+  CPath path("cut.xml");
+  // The first bytes of characters of two, three and four bytes, a byte that begins
+  // none, and a surrogate.
+  for (const std::string& cut : {"\xc3"s, "\xe2\x82"s, "\xf0\x9f\x98"s, "\xff"s, "\xed\xa0\x80"s}) {
+    for (const auto& [before, after] : std::initializer_list<std::pair<std::string, std::string>>{
+             {"<r>", "</r>"},
+             {"<r>", ""},
+             {"<r a='", "'/>"},
+             {"<", "/>"},
+             {"<!--", "--><r/>"},
+             {"<!DOCTYPE r [<!ENTITY e '", "'>]><r/>"}}) {
+      SCOPED_TRACE(before + after);
+      path.Write(before + cut + after);
+      ExpectRefused(Load(doc, before + cut + after), "Line 1, Column ");
+      ExpectRefused(LoadFile(doc, path), "Line 1, Column ");
+    }
+  }
+  // UTF-16: half a unit at the end, and the halves of a pair without the other.
+  const auto utf16 = [](std::u16string_view text, size_t bytes) {
+    const std::u16string all = u"\ufeff" + std::u16string(text);
+    return std::string(reinterpret_cast<const char*>(all.data()),
+                       bytes != 0 ? bytes : 2 * all.size());
+  };
+  const std::u16string high(1, char16_t{0xd83d}), low(1, char16_t{0xde00});
+  for (const std::string& bytes : {utf16(u"<r>ab</r>", 19), utf16(u"<r>" + high + u"</r>", 0),
+                                   utf16(u"<r>" + low + u"</r>", 0), utf16(u"<r>" + high, 0)}) {
+    path.Write(bytes);
+    ExpectRefused(LoadFile(doc, path), "Line 1, Column ");
+  }
+  path.Write(utf16(u"<r>" + high + low + u"</r>", 0));
+  EXPECT_EQ(LoadFile(doc, path).status, 0);
+}
+
+TEST_F(Hostile, WhatCannotBeFetchedIsAnErrorWithAMessage) {
+  CPath folder("folder"), missing("missing");
+  std::filesystem::create_directory(folder.Name());
+  struct {
+    std::string target, message;
+  } const rows[] = {
+      {missing.Name(), "unable to open"},
+      {"file://" + missing.Name(), "unable to open"},
+      {"", "unable to open"},
+      {"strange://host/file", "unable to open"},
+      {folder.Name(), "unable to read data from file"},
+      {"/proc/self/mem", "unable to read data from file"},
+      {"/dev/zero", "invalid "},
+      {"http://127.0.0.1:1/file", "unable to connect socket for URL"},
+      {"ftp://127.0.0.1:1/file", "unable to connect socket for URL"},
+  };
+  for (const auto& [target, message] : rows) {
+    SCOPED_TRACE(target);
+    CDoc doc;
+    const std::string system = "SYSTEM '" + target + "'";
+    ExpectRefused(Load(doc, "<!DOCTYPE r [<!ENTITY e " + system + ">]><r>&e;</r>"), message);
+    EXPECT_EQ(support::Name(doc.Root()), "r") << "the part before the error";
+    ExpectRefused(Load(doc, "<!DOCTYPE r [<!ENTITY % e " + system + "> %e;]><r/>"), message);
+    ExpectRefused(Load(doc, "<!DOCTYPE r " + system + "><r/>"), message);
+    ValidateWithSchemas(doc);
+    ExpectRefused(Load(doc,
+                       "<r xmlns:i='http://www.w3.org/2001/XMLSchema-instance' "
+                       "i:noNamespaceSchemaLocation='" +
+                           target + "'/>"),
+                  "Message: ");
+    EXPECT_EQ(Load(doc, "<!DOCTYPE r [<!ELEMENT r ANY>]><r/>").status, 0);
+  }
+}
+
+// Devices and pipes are files like any: nothing is asked but their bytes.
+TEST_F(Hostile, DevicesAndPipesAreReadToTheirEnd) {
+  CDoc doc;
+  EXPECT_EQ(Load(doc, "<!DOCTYPE r SYSTEM '/dev/null' [<!ENTITY e SYSTEM '/dev/null'>]><r>&e;</r>")
+                .status,
+            0);
+  CPath null("/dev/null/none"), pipe("pipe");
+  ASSERT_EQ(mkfifo(pipe.Name().c_str(), 0600), 0);
+  for (const std::string& xml : {std::string("<r>whole</r>"), std::string("<r>cut")}) {
+    std::thread writer([&] { pipe.Write(xml); });
+    const CAnswer answer = LoadFile(doc, pipe);
+    writer.join();
+    EXPECT_EQ(answer.status == 0, xml.ends_with("</r>")) << answer.errors;
+    EXPECT_EQ(support::Name(doc.Root()), "r");
+  }
+}
+
+long AvailableGigabytes() {
+  std::ifstream info("/proc/meminfo");
+  std::string name;
+  for (long kilobytes = 0; info >> name; info.ignore(100, '\n')) {
+    if (name == "MemAvailable:" && info >> kilobytes) return kilobytes >> 20;
+  }
+  return 0;
+}
+
+TEST_F(Hostile, AGigabyteOfText) {
+  if (support::kSanitized) GTEST_SKIP() << "a sanitizer takes too much memory";
+  if (AvailableGigabytes() < 14) GTEST_SKIP() << "less than 14 GB of memory are free";
+  constexpr int32_t kGigabyte = 1 << 30;
+  HStr text = static_cast<HStr>(HostNewHandle(sizeof(int32_t) + size_t{kGigabyte}));
+  ASSERT_NE(text, nullptr);
+  (*text)->count = kGigabyte;
+  auto* pBytes = reinterpret_cast<char*>(*text) + sizeof(int32_t);
+  std::memset(pBytes, 'x', kGigabyte);
+  std::memcpy(pBytes, "<r>", 3);
+  std::memcpy(pBytes + kGigabyte - 4, "</r>", 4);
+  CDoc doc;
+  CText errors, exception;
+  EXPECT_EQ(TSXLoadString(doc.Id(), &text, &errors, &exception), 0);
+  ClearString(&text);
+  int32_t length = 0;
+  EXPECT_EQ(TSXGetCharacterDataLength(support::FirstChild(doc.Root()), 0, &length), 0);
+  EXPECT_EQ(length, kGigabyte - 7);
+}
+
+}  // namespace

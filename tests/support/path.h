@@ -1,0 +1,43 @@
+// Host paths to files and folders that go with the test.
+#pragma once
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "support/support.h"
+
+namespace support {
+
+// A host path to a file, which goes with it. A name alone is one in the folder for
+// temporary files.
+class CPath {
+ public:
+  explicit CPath(const std::string& name)
+      : m_Name(name.starts_with('/')
+                   ? name
+                   : ::testing::TempDir() + "tessel_" + std::to_string(getpid()) + "_" + name),
+        m_Path(StandinPathFromText(m_Name.c_str())) {}
+  ~CPath() {
+    StandinPathDispose(m_Path);
+    std::error_code ignored;
+    std::filesystem::remove(m_Name, ignored);
+  }
+  CPath(const CPath&) = delete;
+  CPath& operator=(const CPath&) = delete;
+
+  HostPath Get() const { return m_Path; }
+  const std::string& Name() const { return m_Name; }
+  void Write(std::string_view bytes) const { std::ofstream(m_Name, std::ios::binary) << bytes; }
+  std::string Read() const {
+    std::ifstream in(m_Name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+
+ private:
+  std::string m_Name;
+  HostPath m_Path;
+};
+
+}  // namespace support
