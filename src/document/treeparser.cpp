@@ -4,6 +4,7 @@
 #include <xercesc/framework/MemoryManager.hpp>
 #include <xercesc/internal/XMLReader.hpp>
 #include <xercesc/internal/XMLScanner.hpp>
+#include <xercesc/util/BinMemInputStream.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/validators/DTD/DTDElementDecl.hpp>
 #include <xercesc/validators/common/ContentSpecNode.hpp>
@@ -11,7 +12,6 @@
 #include "host/stackroom.h"
 
 using xercesc::ContentSpecNode;
-using xercesc::XercesDOMParser;
 
 namespace {
 
@@ -56,9 +56,13 @@ class CTreeParser::CReaderMeter final : public xercesc::MemoryManager {
   }
 
   void* allocate(XMLSize_t size) override {
-    const bool isReader = size - sizeof(xercesc::XMLReader) <= kMostHeader;
-    if (isReader && Parsing() != nullptr) Parsing()->CountReader();
-    return xercesc::XMLPlatformUtils::fgMemoryManager->allocate(size);
+    if (Parsing() != nullptr && IsBlockOf<xercesc::XMLReader>(size) && !Parsing()->CountReader()) {
+      // Nobody owns the stream that the reader would have taken over.
+      if (IsBlockOf<xercesc::BinMemInputStream>(Last().m_Size)) deallocate(Last().m_pMemory);
+      Parsing()->StopExpanding();
+    }
+    Last() = {xercesc::XMLPlatformUtils::fgMemoryManager->allocate(size), size};
+    return Last().m_pMemory;
   }
   void deallocate(void* pMemory) override {
     xercesc::XMLPlatformUtils::fgMemoryManager->deallocate(pMemory);
@@ -68,10 +72,27 @@ class CTreeParser::CReaderMeter final : public xercesc::MemoryManager {
   }
 
  private:
-  static constexpr XMLSize_t kMostHeader = 64;  // before an object, bytes
+  struct CBlock {
+    void* m_pMemory;
+    XMLSize_t m_Size;
+  };
+  static CBlock& Last() {
+    thread_local CBlock s_Last{};
+    return s_Last;
+  }
+  // A block begins with the address of its memory manager.
+  template <class Object>
+  static bool IsBlockOf(XMLSize_t size) {
+    static const XMLSize_t s_Size =
+        sizeof(Object) + xercesc::XMLPlatformUtils::alignPointerForNewBlockAllocation(
+                             sizeof(xercesc::MemoryManager*));
+    return size == s_Size;
+  }
 };
 
-CTreeParser::CTreeParser() : XercesDOMParser(nullptr, &CReaderMeter::Instance()) {}
+CTreeParser::CTreeParser() : XercesDOMParser(nullptr, &CReaderMeter::Instance()) {
+  getScanner()->setEntityHandler(this);
+}
 
 CTreeParser::CParsing::CParsing(CTreeParser& parser) : m_pOuter(CReaderMeter::Parsing()) {
   parser.m_Readers = 0;
@@ -82,10 +103,16 @@ CTreeParser::CParsing::CParsing(CTreeParser& parser) : m_pOuter(CReaderMeter::Pa
 CTreeParser::CParsing::~CParsing() { CReaderMeter::Parsing() = m_pOuter; }
 
 // The first reader is the document's own.
-void CTreeParser::CountReader() {
-  if (++m_Readers > kMostExpansions + 1) {
-    getScanner()->emitError(xercesc::XMLErrs::EntityExpansionLimitExceeded, u"50000");
-  }
+bool CTreeParser::CountReader() { return ++m_Readers <= kMostExpansions + 1; }
+
+void CTreeParser::StopExpanding() {
+  getScanner()->emitError(xercesc::XMLErrs::EntityExpansionLimitExceeded, u"50000");
+}
+
+// Before a file is opened, which would stay open without its reader.
+xercesc::InputSource* CTreeParser::resolveEntity(xercesc::XMLResourceIdentifier* pResource) {
+  if (m_Readers > kMostExpansions) StopExpanding();
+  return XercesDOMParser::resolveEntity(pResource);
 }
 
 // -- Depth -----------------------------------------------------------------------

@@ -35,6 +35,7 @@ class CTreeParser final : public xercesc::XercesDOMParser {
                   const XMLCh* pPrefix) override;
   void startEntityReference(const xercesc::XMLEntityDecl& declaration) override;
   void endEntityReference(const xercesc::XMLEntityDecl& declaration) override;
+  xercesc::InputSource* resolveEntity(xercesc::XMLResourceIdentifier* pResource) override;
   void elementDecl(const xercesc::DTDElementDecl& declaration, bool isIgnored) override;
 
  private:
@@ -51,7 +52,8 @@ class CTreeParser final : public xercesc::XercesDOMParser {
     CTreeParser* m_pOuter;
   };
 
-  void CountReader();
+  bool CountReader();  // false beyond the limit
+  void StopExpanding();
   void GoDeeper();
   void Stop(const char16_t* pMessage);
 

@@ -13,12 +13,7 @@ using support::CDoc;
 using support::CPath;
 using support::CText;
 using support::IdOf;
-
-std::string Repeated(std::string_view text, int count) {
-  std::string all;
-  for (int i = 0; i < count; ++i) all += text;
-  return all;
-}
+using support::Repeated;
 
 std::string Nested(int levels, std::string_view inner = "x") {
   return Repeated("<d>", levels) + std::string(inner) + Repeated("</d>", levels);

@@ -12,13 +12,8 @@ namespace {
 using support::CDoc;
 using support::CPath;
 using support::CText;
+using support::Repeated;
 using support::TextOf;
-
-std::string Repeated(std::string_view text, int count) {
-  std::string all;
-  for (int i = 0; i < count; ++i) all += text;
-  return all;
-}
 
 std::string Numbered(const char* pName, int number) { return pName + std::to_string(number); }
 
@@ -68,11 +63,15 @@ TEST_F(Hostile, EntitiesThatWantToBecomeGigabytesAreStopped) {
     parameter +=
         "<!ENTITY % " + Numbered("e", i) + " '" + Repeated("&#37;" + inner + ";", 10) + "'>";
   }
+  CPath file("entity.txt");
+  file.Write("text");
   const std::string rows[] = {
       general + "]><r>&e11;</r>",
       general + "]><r a='&e11;'/>",
       general + "<!ATTLIST r a CDATA '&e11;'>]><r/>",
       parameter + "%e11;]><r/>",
+      general + "<!ENTITY f SYSTEM '" + file.Name() + "'>]><r>" + Repeated("&e0;", 50000) +
+          "&f;</r>",
   };
   CDoc doc;
   for (const std::string& row : rows) {

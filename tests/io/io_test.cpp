@@ -233,11 +233,13 @@ TEST_F(Io, WideAndDeepTrees) {
   EXPECT_EQ(doc.Xml().size(), doc.Xml().find("<d>") + 7u * kDepth - 3u) << "the innermost is empty";
 }
 
-// A sanitizer is slow, but counts every byte: it needs fewer turns.
+// A sanitizer is slow, but counts every byte: it needs fewer turns. The document keeps
+// some 250 bytes a turn, as it does without us: the DOM does not use the memory of
+// attribute maps again.
 TEST_F(Io, TenThousandLoadsAndReplacementsKeepMemoryFlat) {
   constexpr int kWarming = support::kSanitized ? 50 : 2000;
   constexpr int kTurns = support::kSanitized ? 400 : 8000;
-  constexpr long kMostGrowth = support::kSanitized ? 20'000 : 20'000'000;
+  constexpr long kMostGrowth = support::kSanitized ? 150'000 : 20'000'000;
   const auto turn = [](TSXRefId document, TSXRefId element) {
     CText xml("<e a='1'><b>text</b></e>"), errors, exception;
     EXPECT_EQ(TSXElementSetXML(element, &xml, &errors, &exception), 0);

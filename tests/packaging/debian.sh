@@ -18,7 +18,7 @@ packages="libtessel$major libtessel-dev"
 
 for package in $packages; do
   [ "$(field "$package" Version)" = "$version" ] || fail "the version of $package"
-  dpkg-deb -x "$work/$package"_*.deb "$work/root"
+  dpkg-deb -x "$work/$package"_*.deb "$work/tree"
   dpkg-deb -c "$work/$package"_*.deb | awk '!/\/$/ {print $6}' > "$work/$package.files"
   holds "$package" "/share/doc/$package/copyright$" || fail "$package has no copyright"
 done
@@ -34,11 +34,11 @@ holds libtessel-dev /include/tessel/tessel.h$ || fail "no headers"
 holds libtessel-dev '/libTessel\.so$' || fail "no link for the linker"
 twice=$(sort "$work"/*.files | uniq -d)
 [ -z "$twice" ] || fail "in two packages: $twice"
-! grep -r -I -l --include=*.pc --include=*.cmake "$build" "$work/root" || fail "the build folder's name"
+! grep -r -I -l --include=*.pc --include=*.cmake "$build" "$work/tree" || fail "the build folder's name"
 
 if [[ $packages == *" tessel" ]]; then
   depends tessel "libtessel$major (= $version)"
-  lib=$(dirname "$(find "$work/root" -name "libTessel.so.$major")")
-  LD_LIBRARY_PATH=$lib "$work/root/usr/bin/tessel" --version | grep -F > /dev/null "Tessel $version" ||
+  lib=$(dirname "$(find "$work/tree" -name "libTessel.so.$major")")
+  LD_LIBRARY_PATH=$lib "$work/tree/usr/bin/tessel" --version | grep -F > /dev/null "Tessel $version" ||
     fail "the client"
 fi

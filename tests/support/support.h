@@ -78,6 +78,12 @@ std::string TextOf(Function function, Args... args) {
   return text.Str();
 }
 
+inline std::string Repeated(std::string_view text, int count) {
+  std::string all;
+  for (int i = 0; i < count; ++i) all += text;
+  return all;
+}
+
 inline TSXStatus Load(TSXRefId document, std::string_view xml, std::string* pErrors = nullptr,
                       std::string* pException = nullptr) {
   CText text(xml), errors, exception;
