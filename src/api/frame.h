@@ -1,4 +1,4 @@
-// The frame that every exported node function shares: find the node and check its
+// The frame that the exported node functions share: find the node and check its
 // kind, reset the out, convert the strings, make the one DOM call with no lock
 // held, map what it throws, store the result. A function supplies its interface,
 // its guard, its reference code, its out, the call, and the strings in.

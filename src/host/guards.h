@@ -1,6 +1,6 @@
 // Where exceptions end. A policy wraps one call and turns what it throws into a
-// status; a function names the policy and nothing else in this folder or the
-// next catches. Loading, saving and XPath have guards of their own kind.
+// status, and a function names the policy. Loading, saving and XPath have guards of
+// their own kind, and the frame of the node functions adds one for trees too deep.
 #pragma once
 
 #include <tessel/export.h>

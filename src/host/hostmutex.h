@@ -1,4 +1,4 @@
-// The host's named mutex as an object, and the one scoped lock of the library.
+// The host's named mutex as an object, and the one scoped lock of it.
 //
 // Lock order: the "DOM Mutex" first, then at most one registry or map mutex.
 // Registry locks span one operation and never nest.
