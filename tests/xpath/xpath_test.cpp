@@ -1,38 +1,29 @@
 // XPath on plain DOM nodes, below the ids: what is selected, in which order, and
 // how it fails.
-#include <gtest/gtest.h>
-#include <pthread.h>
+#include "xpath/xpathmanager.h"
 
-#include <functional>
 #include <map>
 #include <memory>
 #include <new>
 #include <random>
-#include <string>
-#include <string_view>
-#include <thread>
-#include <vector>
 #include <xalanc/XalanDOM/XalanDOMException.hpp>
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/parsers/XercesDOMParser.hpp>
-#include <xercesc/util/PlatformUtils.hpp>
 
+#include "support/stack.h"
+#include "support/support.h"
 #include "xpath/expressionlimits.h"
 #include "xpath/plainpath.h"
 #include "xpath/xpathguard.h"
-#include "xpath/xpathmanager.h"
 
 namespace {
 
+using support::OnStackOf;
+using support::Repeated;
 using xercesc::DOMDocument;
 using xercesc::DOMElement;
 using xercesc::DOMNode;
-
-struct CXerces {
-  CXerces() { xercesc::XMLPlatformUtils::Initialize(); }
-  ~CXerces() { xercesc::XMLPlatformUtils::Terminate(); }
-} g_xerces;
 
 std::u16string Wide(std::string_view ascii) { return {ascii.begin(), ascii.end()}; }
 
@@ -110,43 +101,40 @@ std::string Select(DOMNode* pContext, std::string_view expression) {
   return labels;
 }
 
+// The nodes of a tree as they stand in the text.
+void Walk(DOMNode* pNode, std::vector<DOMNode*>& nodes) {
+  nodes.push_back(pNode);
+  if (pNode->getNodeType() == DOMNode::ATTRIBUTE_NODE) return;
+  if (const xercesc::DOMNamedNodeMap* pMap = pNode->getAttributes()) {
+    for (XMLSize_t i = 0; i < pMap->getLength(); ++i) Walk(pMap->item(i), nodes);
+  }
+  for (DOMNode* p = pNode->getFirstChild(); p != nullptr; p = p->getNextSibling()) Walk(p, nodes);
+}
+
+std::vector<DOMNode*> Walk(DOMNode* pRoot) {
+  std::vector<DOMNode*> nodes;
+  Walk(pRoot, nodes);
+  return nodes;
+}
+
 struct CRow {
-  const char* m_pContext;
+  const char* m_pContext;  // a label: the first such node of the tree
   const char* m_pExpression;
   const char* m_pSelected;
 };
 
-using CContexts = std::map<std::string, DOMNode*>;
-
-void ExpectRows(const CContexts& contexts, const std::vector<CRow>& rows) {
+void ExpectRows(DOMNode* pTree, const std::vector<CRow>& rows) {
+  const std::vector<DOMNode*> nodes = Walk(pTree);
   for (const CRow& row : rows) {
-    EXPECT_EQ(row.m_pSelected, Select(contexts.at(row.m_pContext), row.m_pExpression))
+    const auto context =
+        std::ranges::find(nodes, row.m_pContext, [](const DOMNode* p) { return Label(*p); });
+    ASSERT_NE(nodes.end(), context) << row.m_pContext;
+    EXPECT_EQ(row.m_pSelected, Select(*context, row.m_pExpression))
         << row.m_pExpression << " at " << row.m_pContext;
   }
 }
 
-// Runs on a thread with a stack of the given size.
-void RunOnStack(std::size_t bytes, std::function<void()> call) {
-  pthread_attr_t attributes;
-  ASSERT_EQ(0, pthread_attr_init(&attributes));
-  ASSERT_EQ(0, pthread_attr_setstacksize(&attributes, bytes));
-  pthread_t thread;
-  const auto start = [](void* pCall) -> void* {
-    (*static_cast<std::function<void()>*>(pCall))();
-    return nullptr;
-  };
-  ASSERT_EQ(0, pthread_create(&thread, &attributes, start, &call));
-  pthread_join(thread, nullptr);
-  pthread_attr_destroy(&attributes);
-}
-
-constexpr std::size_t kSmallStack = 256 * 1024;
-
-std::string Repeat(std::string_view text, int count) {
-  std::string result;
-  for (int i = 0; i < count; ++i) result += text;
-  return result;
-}
+constexpr std::size_t kSmallStack = 256;  // kilobytes
 
 constexpr const char* kAllKinds =
     "<!DOCTYPE s [<!ENTITY e 'in<i/>'><!NOTATION n SYSTEM 'n'>"
@@ -156,180 +144,100 @@ constexpr const char* kAllKinds =
     "<!--mid--><?mid y?>"
     "<a id='B' xml:lang='en'>&e;<b>v</b></a><d/></s><!--tail-->";
 
-class XPathAllKinds : public testing::Test {
- protected:
-  XPathAllKinds() {
-    DOMNode* pRoot = m_Document->getDocumentElement();
-    DOMNode* pA = m_Document->getElementById(u"A");
-    DOMNode* pB = m_Document->getElementById(u"B");
-    DOMNode* pC = pA->getChildNodes()->item(1)->getFirstChild();
-    m_At = {{"doc", m_Document.get()},
-            {"type", m_Document->getDoctype()},
-            {"s", pRoot},
-            {"A", pA},
-            {"c", pC},
-            {"q", pC->getAttributes()->item(0)},
-            {"t", pA->getFirstChild()},
-            {"cd", pA->getChildNodes()->item(2)},
-            {"mid", pA->getNextSibling()},
-            {"?mid", pA->getNextSibling()->getNextSibling()},
-            {"B", pB},
-            {"&e", pB->getFirstChild()},
-            {"i", pB->getFirstChild()->getLastChild()},
-            {"d", pRoot->getLastChild()}};
-  }
-
-  CDocument m_Document = Parse(kAllKinds);
-  CContexts m_At;
-};
-
-TEST_F(XPathAllKinds, EveryAxisInDocumentOrder) {
-  ExpectRows(m_At, {
-                       {"c", "self::node()", "c"},
-                       {"c", "self::b", ""},
-                       {"A", "child::node()", "'t' b [cd] 'u'"},
-                       {"doc", "child::node()", "type:s ?pre !head s !tail"},
-                       {"A", "descendant::node()", "'t' b c [cd] 'u'"},
-                       {"s", "descendant-or-self::*", "s a b c a i b d"},
-                       {"c", "parent::node()", "b"},
-                       {"s", "..", "#document"},
-                       {"doc", "..", ""},
-                       {"q", "..", "c"},
-                       {"q", "ancestor::node()", "#document s a b c"},
-                       {"c", "ancestor-or-self::*", "s a b c"},
-                       {"c", "ancestor::*[1]", "b"},
-                       {"i", "ancestor::node()", "#document s a &e"},
-                       {"mid", "following-sibling::node()", "?mid a d"},
-                       {"?mid", "preceding-sibling::node()", "a !mid"},
-                       {"?mid", "preceding-sibling::node()[1]", "!mid"},
-                       {"cd", "preceding-sibling::node()", "'t' b"},
-                       {"q", "following-sibling::node()", ""},
-                       {"c", "following::node()", "[cd] 'u' !mid ?mid a &e 'in' i b 'v' d !tail"},
-                       {"q", "following::*", "a i b d"},
-                       {"B", "preceding::node()", "type:s ?pre !head a 't' b c [cd] 'u' !mid ?mid"},
-                       {"d", "preceding::*[1]", "b"},
-                       {"A", "attribute::*", "@id=A @k=dflt @p=1"},
-                       {"B", "@xml:lang", "@xml:lang=en"},
-                       {"A", "namespace::*", ""},
-                       {"type", "following-sibling::*", "s"},
-                       {"type", "node()", ""},
-                   });
+// Child, parent, attribute and descendant axes are those of the plain paths below.
+TEST(XPathNodes, EveryKindInDocumentOrder) {
+  const CDocument document = Parse(kAllKinds);
+  const std::vector<CRow> rows{
+      {"#document", "node()", "type:s ?pre !head s !tail"},
+      {"#document", "..", ""},
+      {"a", "descendant::node()", "'t' b c [cd] 'u'"},
+      {"a", "@*", "@id=A @k=dflt @p=1"},
+      {"@q=2", "ancestor::node()", "#document s a b c"},
+      {"c", "ancestor::*[1]", "b"},
+      {"i", "ancestor::node()", "#document s a &e"},
+      {"!mid", "following-sibling::node()", "?mid a d"},
+      {"?mid", "preceding-sibling::node()[1]", "!mid"},
+      {"[cd]", "preceding-sibling::node()", "'t' b"},
+      {"c", "following::node()", "[cd] 'u' !mid ?mid a &e 'in' i b 'v' d !tail"},
+      {"@q=2", "following::* | following-sibling::node() | node()", "a i b d"},
+      {"&e", "preceding::node()", "type:s ?pre !head a 't' b c [cd] 'u' !mid ?mid"},
+      {"d", "preceding::*[1]", "b"},
+      {"a", "namespace::*", ""},
+      {"type:s", "following-sibling::* | node()", "s"},
+      // Paths and functions that ask the tree.
+      {"'t'", "(/) | ..", "#document a"},
+      {"#document", "//processing-instruction('mid') | //comment()", "!head !mid ?mid !tail"},
+      {"#document", "//@*[. = '2']/..", "c"},
+      {"#document", "//a[2]/b | //a[1]/b | //b", "b b"},
+      {"c", "//d | @q | .. | . | /", "#document b c @q=2 d"},
+      {"#document", "(//b)[last()]/text()", "'v'"},
+      {"#document", "//c[. != '//b']", "c"},
+      {"#document", "id('B A C')/@id", "@id=A @id=B"},
+      {"#document", "//*[lang('en')]", "a i b"},
+      {"#document", "//*[local-name() = 'd' or name() = 'i']", "i d"},
+      // Entity references and CDATA sections are not seen through.
+      {"&e", "../text()", ""},
+      {"&e", "node()", "'in' i"},
+      {"#document", "//a[. = 'v']/@id", "@id=B"},
+      {"#document", "//text()", "'t' 'u' 'in' 'v'"},
+      {"a", "self::*[. = 'tcdu']/@id", "@id=A"},
+  };
+  ExpectRows(document.get(), rows);
 }
 
-TEST_F(XPathAllKinds, PathsPredicatesAndFunctions) {
-  ExpectRows(m_At, {
-                       {"t", "/", "#document"},
-                       {"t", "(/) | ..", "#document a"},
-                       {"t", "/s/a/@id", "@id=A @id=B"},
-                       {"q", "//b", "b b"},
-                       {"doc", "//comment()", "!head !mid !tail"},
-                       {"doc", "//processing-instruction('mid')", "?mid"},
-                       {"doc", "//@*[. = '2']/..", "c"},
-                       {"doc", "//a[2]/b | //a[1]/b | //b", "b b"},
-                       {"c", "//d | @q | .. | . | /", "#document b c @q=2 d"},
-                       {"doc", "(//b)[last()]/text()", "'v'"},
-                       {"doc", "//a[b/c]/@p", "@p=1"},
-                       {"doc", "//*[@q > 1 and not(*)]", "c"},
-                       {"doc", "//*[position() = 2]", "a"},
-                       {"doc", "id('B A C')/@id", "@id=A @id=B"},
-                       {"doc", "//*[lang('en')]", "a i b"},
-                       {"doc", "//a[starts-with(., 't')]/@id", "@id=A"},
-                       {"doc", "//*[local-name() = 'd' or name() = 'i']", "i d"},
-                       {"s", "a[count(node()) = last() * 2]/@id", "@id=A"},
-                       {"s", "*/..", "s"},
-                       {"A", ".//a/b", ""},
-                       {"q", ".", "@q=2"},
-                       {"q", "node()", ""},
-                   });
+TEST(XPathNodes, OutsideTheDocumentHaveTreesOfTheirOwn) {
+  const CDocument document = Parse(kAllKinds);
+  const xercesc::DOMDocumentType* pType = document->getDoctype();
+  ExpectRows(pType->getEntities()->item(0),
+             {{"e", ". | .. | following::node() | preceding::node() | //i | node()", "e 'in' i"}});
+  ExpectRows(pType->getNotations()->item(0), {{"n", ". | //node() | ancestor::node()", "n"}});
+  DOMNode* pP = document->getElementById(u"A")->getAttributeNode(u"p");
+  ExpectRows(pP->getFirstChild(),
+             {{"'1'", ". | ancestor::node() | preceding::node() | /", "@p=1 '1'"}});
 }
 
-TEST_F(XPathAllKinds, EntityReferencesAndSectionsAreNotSeenThrough) {
-  ExpectRows(m_At, {
-                       {"B", "text()", ""},
-                       {"B", "string()", "-2769"},
-                       {"doc", "//a[. = 'v']/@id", "@id=B"},
-                       {"doc", "//text()", "'t' 'u' 'in' 'v'"},
-                       {"&e", "node()", "'in' i"},
-                       {"A", "text()", "'t' 'u'"},
-                       {"A", "self::*[. = 'tcdu']/@id", "@id=A"},
-                   });
-}
-
-TEST_F(XPathAllKinds, NodesOutsideTheTreeHaveTreesOfTheirOwn) {
-  DOMNode* pEntity = m_Document->getDoctype()->getEntities()->item(0);
-  DOMNode* pInAttribute = m_Document->getElementById(u"A")->getAttributeNode(u"p")->getFirstChild();
-  ExpectRows({{"entity", pEntity},
-              {"notation", m_Document->getDoctype()->getNotations()->item(0)},
-              {"value", pInAttribute}},
-             {
-                 {"entity", "node() | . | .. | following::node() | preceding::node()", "e 'in' i"},
-                 {"entity", "//i", "i"},
-                 {"notation", ". | //node() | ancestor::node()", "n"},
-                 {"value", "..", "@p=1"},
-                 {"value", ". | ancestor::node() | preceding::node() | /", "@p=1 '1'"},
-             });
-}
-
-class XPathDetached : public testing::Test {
- protected:
-  XPathDetached() {
-    DOMElement* pTop = Element("top");
-    pTop->setAttribute(u"x", u"1");
-    DOMNode* pOne = pTop->appendChild(Element("one"));
-    pOne->appendChild(m_Document->createTextNode(u"T"));
-    DOMNode* pTwo = pTop->appendChild(Element("two"));
-    DOMNode* pFragment = m_Document->createDocumentFragment();
-    DOMNode* pLeft = pFragment->appendChild(Element("left"));
-    pFragment->appendChild(Element("right"));
-    xercesc::DOMAttr* pLoose = m_Document->createAttribute(u"loose");
-    pLoose->setValue(u"v");
-    m_At = {{"top", pTop},
-            {"one", pOne},
-            {"two", pTwo},
-            {"x", pTop->getAttributeNode(u"x")},
-            {"frag", pFragment},
-            {"left", pLeft},
-            {"loose", pLoose},
-            {"value", pLoose->getFirstChild()},
-            {"text", m_Document->createTextNode(u"alone")}};
-  }
-
-  DOMElement* Element(const char* pName) { return m_Document->createElement(Wide(pName).c_str()); }
-
-  CDocument m_Document = Parse("<real><one/></real>");
-  CContexts m_At;
-};
-
-TEST_F(XPathDetached, StaysInTheTreeOfTheContext) {
-  ExpectRows(m_At, {
-                       {"top", "descendant-or-self::node() | @*", "top @x=1 one 'T' two"},
-                       {"two", "../@x | .. | ancestor::* | preceding-sibling::*", "top @x=1 one"},
-                       {"x", "parent::* | ancestor::* | .", "top @x=1"},
-                       {"top", ".. | following::node() | preceding::node()", ""},
-                       {"two", "preceding::node()", "one 'T'"},
-                       {"two", "/", ""},
-                       {"two", "//one | /top | /real", "top one"},
-                       {"top", "self::*[not(..)]", "top"},
-                       {"frag", ". | node() | //right", "#document-fragment left right"},
-                       {"left", ".. | following-sibling::* | following::* | /",
-                        "#document-fragment right"},
-                       {"loose", ".", "@loose=v"},
-                       {"loose", ".. | following::node() | preceding::node() | node() | /", ""},
-                       {"loose", "//@loose[. = 'v']", "@loose=v"},
-                       {"value", ".. | . | following::node() | preceding::node()", "@loose=v 'v'"},
-                       {"text", ". | .. | //node() | /", "'alone'"},
-                   });
+TEST(XPathNodes, DetachedStayInTheTreeOfTheContext) {
+  const CDocument document =
+      Parse("<real><top x='1'><one>T</one><two/></top><one/><left/><right/></real>");
+  DOMNode* pRoot = document->getDocumentElement();
+  const auto take = [&] { return pRoot->removeChild(pRoot->getFirstChild()); };
+  const std::vector<CRow> rows{
+      {"top", "descendant-or-self::node() | @*", "top @x=1 one 'T' two"},
+      {"two", "../@x | .. | ancestor::* | preceding-sibling::*", "top @x=1 one"},
+      {"@x=1", "parent::* | ancestor::* | .", "top @x=1"},
+      {"top", ".. | following::node() | preceding::node()", ""},
+      {"two", "preceding::node()", "one 'T'"},
+      {"two", "/", ""},
+      {"two", "//one | /top | /real", "top one"},
+      {"top", "self::*[not(..)]", "top"},
+  };
+  ExpectRows(take(), rows);
+  take();
+  DOMNode* pFragment = document->createDocumentFragment();
+  pFragment->appendChild(take());
+  pFragment->appendChild(take());
+  ExpectRows(
+      pFragment,
+      {{"#document-fragment", ". | node() | //right", "#document-fragment left right"},
+       {"left", ".. | following-sibling::* | following::* | /", "#document-fragment right"}});
+  xercesc::DOMAttr* pLoose = document->createAttribute(u"loose");
+  pLoose->setValue(u"v");
+  ExpectRows(pLoose, {{"@loose=v", ".", "@loose=v"},
+                      {"@loose=v", ".. | following::node() | preceding::node() | node() | /", ""},
+                      {"@loose=v", "//@loose[. = 'v']", "@loose=v"}});
+  ExpectRows(pLoose->getFirstChild(),
+             {{"'v'", ".. | . | following::node() | preceding::node()", "@loose=v 'v'"}});
+  ExpectRows(document->createTextNode(u"alone"), {{"'alone'", ". | .. | //node() | /", "'alone'"}});
 }
 
 TEST(XPathDocument, WithoutRootElement) {
   const CDocument document = NewDocument();
-  const CContexts empty{{"doc", document.get()}};
-  ExpectRows(empty,
-             {{"doc", "/", "#document"}, {"doc", "//a | /a/b", ""}, {"doc", "/a[", "-2768"}});
-  DOMNode* pComment = document->appendChild(document->createComment(u"c"));
-  ExpectRows({{"!c", pComment}}, {{"!c", "//node() | p | /", "#document !c"},
-                                  {"!c", "self::node()[not(/a)]", "!c"},
-                                  {"!c", "p:a", "-2768"}});
+  ExpectRows(document.get(),
+             {{"#document", "(/) | //a | /a/b", "#document"}, {"#document", "/a[", "-2768"}});
+  document->appendChild(document->createComment(u"c"));
+  ExpectRows(document.get(), {{"!c", "//node() | p | /", "#document !c"},
+                              {"!c", "self::node()[not(/a)]", "!c"},
+                              {"!c", "p:a", "-2768"}});
 }
 
 TEST(XPathDocument, EditedBetweenEvaluations) {
@@ -347,61 +255,36 @@ TEST(XPathNamespaces, PrefixesAreThoseInScopeAtTheContext) {
   const CDocument document = Parse(
       "<r xmlns='urn:d' xmlns:q='urn:q' q:a='1'><x/><q:x/>"
       "<n xmlns='' xmlns:q='urn:n'><x/><q:x/></n><p:y xmlns:p='urn:p'><p:z/></p:y></r>");
-  DOMNode* pRoot = document->getDocumentElement();
-  DOMNode* pN = pRoot->getChildNodes()->item(2);
-  DOMNode* pZ = pRoot->getLastChild()->getFirstChild();
-  DOMElement* pMade = document->createElementNS(u"urn:made", u"m:made");
-  ExpectRows({{"doc", document.get()},
-              {"r", pRoot},
-              {"@a", pRoot->getAttributes()->item(0)},
-              {"n", pN},
-              {"z", pZ},
-              {"made", pMade}},
-             {
-                 {"r", "//x/..", "n"},
-                 {"doc", "//q:x/..", "r"},
-                 {"@a", "//q:x/..", "r"},
-                 {"n", "//q:x/..", "n"},
-                 {"r", "q:*|@q:a|@a", "@q:a=1 q:x"},
-                 {"z", "self::p:z|..", "p:y p:z"},
-                 {"r", "//p:z", "-2768"},
-                 {"r", "//@xml:space", ""},
-                 {"r", "namespace::*", "@xmlns=urn:d @xmlns:q=urn:q"},
-                 {"z", "namespace::*", "@xmlns=urn:d @xmlns:q=urn:q @xmlns:p=urn:p"},
-                 {"n", "namespace::* | x/namespace::*/..", "n @xmlns:q=urn:n"},
-                 {"r", "@*", "@q:a=1"},
-                 {"r", "*[namespace-uri() = 'urn:d']", "x"},
-                 {"made", "self::m:made", "m:made"},
-             });
+  const std::vector<CRow> rows{
+      {"r", "//x/..", "n"},
+      {"#document", "//q:x/..", "r"},
+      {"@q:a=1", "//q:x/..", "r"},
+      {"n", "//q:x/..", "n"},
+      {"r", "q:* | @q:a | @a | //@xml:space", "@q:a=1 q:x"},
+      {"p:z", "self::p:z | ..", "p:y p:z"},
+      {"r", "//p:z", "-2768"},
+      {"r", "namespace::*", "@xmlns=urn:d @xmlns:q=urn:q"},
+      {"p:z", "namespace::*", "@xmlns=urn:d @xmlns:q=urn:q @xmlns:p=urn:p"},
+      {"n", "namespace::* | x/namespace::*/..", "n @xmlns:q=urn:n"},
+      {"r", "@*", "@q:a=1"},
+      {"r", "*[namespace-uri() = 'urn:d']", "x"},
+  };
+  ExpectRows(document.get(), rows);
+  EXPECT_EQ("m:made", Select(document->createElementNS(u"urn:made", u"m:made"), "self::m:made"));
 }
 
 TEST(XPathNamespaces, SwitchedOffNamesMatchAsWritten) {
   const CDocument document = Parse("<a xmlns:p='urn:p'><b c='1'/><p:b/></a>", false);
-  ExpectRows({{"a", document->getDocumentElement()}},
+  ExpectRows(document.get(),
              {{"a", "b/@c", "@c=1"}, {"a", "p:b", "-2768"}, {"a", "*[name() = 'p:b']", "p:b"}});
 }
 
 TEST(XPathNames, BeyondASCII) {
-  const CDocument document = NewDocument();
-  DOMNode* pRoot = document->appendChild(document->createElement(u"größe"));
-  DOMNode* pInner = pRoot->appendChild(document->createElement(u"寸法"));
-  pInner->appendChild(document->createTextNode(u"\U00020000"));
-  const CAnswer answer = Ask(document.get(), u"/größe/寸法[. = '\U00020000']");
-  EXPECT_EQ(std::vector<DOMNode*>{pInner}, answer.m_Nodes);
+  const CDocument document = Parse("<größe><寸法>\U00020000</寸法></größe>");
+  EXPECT_EQ(1u, Ask(document.get(), u"/größe/寸法[. = '\U00020000']").m_Nodes.size());
 }
 
 // -- Order -------------------------------------------------------------------------
-
-// Numbers all nodes as they stand in the text.
-void Number(DOMNode* pNode, std::map<const DOMNode*, int>& positions) {
-  positions.emplace(pNode, static_cast<int>(positions.size()));
-  if (const xercesc::DOMNamedNodeMap* pMap = pNode->getAttributes()) {
-    for (XMLSize_t i = 0; i < pMap->getLength(); ++i) Number(pMap->item(i), positions);
-  }
-  for (DOMNode* p = pNode->getFirstChild(); p != nullptr; p = p->getNextSibling()) {
-    if (pNode->getNodeType() != DOMNode::ATTRIBUTE_NODE) Number(p, positions);
-  }
-}
 
 // Few results are ordered by their way through the tree, many by numbers: both, and
 // the change from one to the other, must agree with the text.
@@ -419,8 +302,9 @@ TEST(XPathOrder, HoldsForFewAndForMany) {
           "<g k='" + std::to_string(i) + "'><x n='" + std::to_string(i) + "' m='0'>t</x>-<y/></g>";
     }
     const CDocument document = Parse(text + "</r>");
-    std::map<const DOMNode*, int> positions;
-    Number(document.get(), positions);
+    const std::vector<DOMNode*> nodes = Walk(document.get());
+    std::map<const DOMNode*, std::size_t> positions;
+    for (std::size_t i = 0; i < nodes.size(); ++i) positions[nodes[i]] = i;
     DOMNode* pMiddle = document->getElementsByTagName(u"y")->item(XMLSize_t(groups) / 2);
     for (const char* pUnion : kUnions) {
       const CAnswer answer = Ask(pMiddle, Wide(pUnion));
@@ -433,19 +317,6 @@ TEST(XPathOrder, HoldsForFewAndForMany) {
   }
 }
 
-TEST(XPathOrder, FirstIsTheFirstOfAll) {
-  const CDocument document = Parse("<a><b/><c/></a>");
-  XPathManager manager(document.get());
-  EXPECT_EQ(std::vector<DOMNode*>{document->getDocumentElement()->getFirstChild()},
-            manager.EvaluateFirst(u"//c | //b"));
-  EXPECT_TRUE(XPathManager(document.get()).EvaluateFirst(u"//d").empty());
-}
-
-TEST(XPathOrder, HundredThousandResults) {
-  const CDocument document = Parse("<r>" + Repeat("<x/>", 100000) + "</r>");
-  EXPECT_EQ(100000U, Ask(document.get(), u"//x").m_Nodes.size());
-}
-
 // -- Failures ------------------------------------------------------------------------
 
 TEST(XPathErrors, CodeAndMessageAndSilence) {
@@ -456,7 +327,6 @@ TEST(XPathErrors, CodeAndMessageAndSilence) {
   };
   constexpr CFailure kFailures[] = {
       {"", domErrXPathParse, "The expression is empty"},
-      {"  ", domErrXPathParse, "The expression is empty"},
       {"//a[", domErrXPathParse, "Expected ']'"},
       {"a b", domErrXPathParse, "Extra illegal token"},
       {"@", domErrXPathParse, "A node test was expected"},
@@ -471,30 +341,22 @@ TEST(XPathErrors, CodeAndMessageAndSilence) {
       {"$unbound", domErrXPathConversion, "Cannot convert"},
       {"count(1)", domErrXPathXSL, "does not evaluate to a node-set"},
       {"key('a', 'b')", domErrXPathXSL, "'key' is not implemented"},
-      {"current()", domErrXPathXSL, "'current' is not implemented"},
       {"document('x')", domErrXPathXSL, "'document' is not implemented"},
-      {"generate-id()", domErrXPathXSL, "'generate-id' is not implemented"},
       {"format-number(1, '0')", domErrXPathXSL, "'format-number' is not implemented"},
       {"concat('a')", domErrXPathXSL, "requires two or more arguments"},
   };
   const CDocument document = Parse("<a/>");
   testing::internal::CaptureStderr();
-  std::vector<CAnswer> answers;
   for (const CFailure& row : kFailures) {
-    answers.push_back(Ask(document.get(), Wide(row.m_pExpression)));
+    const CAnswer answer = Ask(document.get(), Wide(row.m_pExpression));
+    EXPECT_EQ(row.m_Status, answer.m_Status) << row.m_pExpression;
+    EXPECT_NE(std::string::npos, Narrow(answer.m_Message.c_str()).find(row.m_pInMessage))
+        << row.m_pExpression << ": " << Narrow(answer.m_Message.c_str());
   }
   EXPECT_EQ("", testing::internal::GetCapturedStderr());
-  for (std::size_t i = 0; i < answers.size(); ++i) {
-    EXPECT_EQ(kFailures[i].m_Status, answers[i].m_Status) << kFailures[i].m_pExpression;
-    EXPECT_NE(std::string::npos,
-              Narrow(answers[i].m_Message.c_str()).find(kFailures[i].m_pInMessage))
-        << kFailures[i].m_pExpression << ": " << Narrow(answers[i].m_Message.c_str());
-    EXPECT_TRUE(answers[i].m_Nodes.empty());
-  }
   EXPECT_EQ("", Select(document.get(), "/a[$unbound]"));  // false, and no error
+  EXPECT_EQ("-2766", Select(nullptr, "a"));
 }
-
-TEST(XPathErrors, NullContext) { EXPECT_EQ("-2766", Select(nullptr, "a")); }
 
 TEST(XPathErrors, NothingElseGetsOut) {
   std::u16string message;
@@ -507,84 +369,27 @@ TEST(XPathErrors, NothingElseGetsOut) {
   EXPECT_EQ(u"m", message);
 }
 
-// -- Forms ---------------------------------------------------------------------------
-
-// "//" is evaluated in a shorter form where that cannot be told from the long one.
-TEST(XPathForms, DescendantsAreThoseOfTheLongForm) {
-  constexpr const char* kExpressions[] = {
-      "//x",
-      "//x[1]",
-      "//x[last()]",
-      "//x[position() = 2]",
-      "//x[@n]",
-      "//x[@n = '1']",
-      "//x[@n = 1][1]",
-      "//x['1']",
-      "//x[1 + 0]",
-      "//x[1 or 0]",
-      "//x[@n * 1]",
-      "//x[x or y]",
-      "//*",
-      "//*[2]",
-      "//node()",
-      "//text()",
-      "//@n",
-      "//child::x[1]",
-      "//self::x",
-      "//..",
-      "//x//y",
-      "//x//x",
-      "y//x[2]",
-      ".//x",
-      "//x | //y[1]",
-      "//x[.//y[1]]",
-      "//x[y//x]/..//y",
-      "//x[count(y) = 1]",
-      "//x[y[1]][2]",
-      "//x[ancestor::x]",
-      "//comment()[. = 'c']",
-      "//or//or[. = 'or']",
-  };
-  const CDocument document = Parse(
-      "<r><x n='1'>t<y n='1'><x n='2'/><x n='1'><y/></x></y></x><y>u<x n='1'/><!--c--><x/></y>"
-      "<or><or>or</or></or></r>");
-  for (const char* pExpression : kExpressions) {
-    std::u16string longForm = Wide(pExpression);
-    for (std::size_t at = 0; (at = longForm.find(u"//", at)) != longForm.npos;) {
-      longForm.replace(at, 2, u"/descendant-or-self::node()/");
-    }
-    DOMNode* pContext = document->getDocumentElement();
-    const CAnswer answer = Ask(pContext, Wide(pExpression));
-    EXPECT_EQ(0, answer.m_Status) << pExpression;
-    EXPECT_EQ(Ask(pContext, longForm).m_Nodes, answer.m_Nodes) << pExpression;
-  }
-  EXPECT_EQ("x", Select(document.get(), "//x[@n = '2' and . != '//y']"));
-}
-
 // Numbers that would end the process in Xalan-C: too long for its buffer, or the
 // smallest integer divided by -1.
-TEST(XPathForms, NumbersCannotEndTheProcess) {
+TEST(XPathErrors, NumbersCannotEndTheProcess) {
   const CDocument document =
-      Parse("<a huge='" + Repeat("9", 300) + "' least='-9223372036854775808' minus='-1' i='7'/>");
+      Parse("<a huge='" + Repeated("9", 300) + "' least='-9223372036854775808' minus='-1' i='7'/>");
   constexpr const char* kTooLong[] = {"string(@huge * 1)",         "concat('', -@huge)",
                                       "string-length(sum(@huge))", "contains(@huge + 0, '9')",
                                       "id(round(@huge))",          "string((number(@huge)))"};
   for (const char* pValue : kTooLong) {
     EXPECT_EQ("-2767", Select(document.get(), "//a[" + std::string(pValue) + " = 'x']")) << pValue;
   }
-  EXPECT_EQ("-2768", Select(document.get(), Repeat("9", 100)));
+  EXPECT_EQ("-2768", Select(document.get(), Repeated("9", 100)));
   constexpr const char* kTrue[] = {"@least mod @minus = 0",
                                    "@least mod -1 = 0",
-                                   "@i mod -@minus = 0",
                                    "-@i mod (2 + 2) = -3",
-                                   "@i mod 4 = 3",
-                                   "@i mod -4 = 3",
                                    "10 - @i mod (8 mod 5) = 9",
-                                   "string(@i * 2) = '14'",
-                                   "concat(@i + 1, '-', @minus, 'x') = '8--1x'",
+                                   "@i mod -4 = 3",
+                                   "string(string(@i - 7)) = '0'",
                                    "string-length(1 div 4) = 4",
                                    "string(1 = 1) = 'true'",
-                                   "string(string(@i - 7)) = '0'"};
+                                   "concat(@i + 1, '-', @minus, 'x') = '8--1x'"};
   for (const char* pTruth : kTrue) {
     EXPECT_EQ(std::vector<DOMNode*>{document->getDocumentElement()},
               Ask(document.get(), u"/a[" + Wide(pTruth) + u"]").m_Nodes)
@@ -609,14 +414,14 @@ TEST(XPathLimits, HoldOnASmallStack) {
                               {"1<", "", 0, 1},          {"2 div ", "", 0, 1}};
   const CDocument document = Parse("<a><b/></a>");
   DOMNode* pContext = document->getDocumentElement();
-  RunOnStack(kSmallStack, [&] {
+  OnStackOf(kSmallStack, [&] {
     for (const CForm& form : kForms) {
       const int byDepth = form.m_Nested == 0 ? kMostOperators : kMostNested / form.m_Nested;
       const int byCount = form.m_Operators == 0 ? byDepth : kMostOperators / form.m_Operators;
       const int most = std::min(byDepth, byCount);
       const auto ask = [&](int times) {
         return Ask(pContext,
-                   Wide(Repeat(form.m_pOpen, times) + "*" + Repeat(form.m_pClose, times)));
+                   Wide(Repeated(form.m_pOpen, times) + "*" + Repeated(form.m_pClose, times)));
       };
       const CAnswer within = ask(most);
       EXPECT_TRUE(within.m_Status == 0 || within.m_Status == domErrXPathConversion) << form.m_pOpen;
@@ -624,26 +429,26 @@ TEST(XPathLimits, HoldOnASmallStack) {
       EXPECT_EQ(domErrXPathParse, beyond.m_Status) << form.m_pOpen;
       EXPECT_EQ(0U, beyond.m_Message.find(u"The expression has too many")) << form.m_pOpen;
     }
-    const std::string all = Repeat("self::a[", kMostNested) + "1" + Repeat("+1", kMostOperators) +
-                            Repeat("]", kMostNested);
+    const std::string all = Repeated("self::a[", kMostNested) + "1" +
+                            Repeated("+1", kMostOperators) + Repeated("]", kMostNested);
     EXPECT_EQ(0, Ask(pContext, Wide(all)).m_Status);
-    EXPECT_EQ(domErrXPathParse, Ask(pContext, Wide(Repeat("(", 1000000))).m_Status);
+    EXPECT_EQ(domErrXPathParse, Ask(pContext, Wide(Repeated("(", 1000000))).m_Status);
   });
 }
 
 TEST(XPathLimits, OnlyOperatorsCount) {
   const CDocument document = Parse("<a><b-c>or</b-c></a>");
-  EXPECT_EQ("b-c", Select(document.get(), "//b-c" + Repeat(" | //b-c", 1000)));
-  EXPECT_EQ("b-c", Select(document.get(), "a/*" + Repeat("/../*", 600)));
-  EXPECT_EQ("", Select(document.get(), "//*[. = '" + Repeat("+(<[", 1000) + "']"));
-  EXPECT_EQ("", Select(document.get(), "//or/and/div/mod" + Repeat("|or/and/div/mod", 500)));
+  EXPECT_EQ("b-c", Select(document.get(), "//b-c" + Repeated(" | //b-c", 1000)));
+  EXPECT_EQ("b-c", Select(document.get(), "a/*" + Repeated("/../*", 600)));
+  EXPECT_EQ("", Select(document.get(), "//*[. = '" + Repeated("+(<[", 1000) + "']"));
+  EXPECT_EQ("", Select(document.get(), "//or/and/div/mod" + Repeated("|or/and/div/mod", 500)));
 }
 
 TEST(XPathLimits, LongPathsEndByTheStack) {
   const CDocument document = Parse("<a/>");
-  RunOnStack(kSmallStack, [&] {
-    EXPECT_EQ("a", Select(document->getDocumentElement(), "." + Repeat("/.", 1000)));
-    EXPECT_EQ("-2767", Select(document->getDocumentElement(), "." + Repeat("/.", 100000)));
+  OnStackOf(kSmallStack, [&] {
+    EXPECT_EQ("a", Select(document->getDocumentElement(), "." + Repeated("/.", 1000)));
+    EXPECT_EQ("-2767", Select(document->getDocumentElement(), "." + Repeated("/.", 100000)));
   });
 }
 
@@ -656,20 +461,21 @@ TEST(XPathLimits, DeepTrees) {
                                             : document->createElement(u"e"));
   }
   pDeepest->appendChild(document->createTextNode(u"T"));
-  RunOnStack(kSmallStack, [&] {
+  OnStackOf(kSmallStack, [&] {
     EXPECT_EQ("p:top 'T'", Select(pDeepest, "ancestor::p:top | text() | //text()"));
     EXPECT_EQ("e", Select(document.get(), "//*[not(*)]"));
     const CAnswer answer = Ask(document.get(), u"/*[. = 'T']");
     EXPECT_EQ(domErrXPathXSL, answer.m_Status);
     EXPECT_EQ(u"The evaluation goes too deep for this thread's stack.", answer.m_Message);
   });
-  RunOnStack(64 * 1024 * 1024, [&] { EXPECT_EQ("p:top", Select(document.get(), "/*[. = 'T']")); });
+  OnStackOf(64 * 1024, [&] { EXPECT_EQ("p:top", Select(document.get(), "/*[. = 'T']")); });
 }
 
 // -- Plain paths -----------------------------------------------------------------------
 
-// What follows a path on the DOM must give what Xalan-C gives, whatever the tree: random
-// paths from random nodes of random documents.
+// What follows a path on the DOM must give what Xalan-C gives, and the shorter form that
+// "//" is evaluated in what the long one gives, whatever the tree: random paths from
+// random nodes of random documents.
 class CPaths {
  public:
   explicit CPaths(unsigned seed) : m_Random(seed) {}
@@ -739,6 +545,11 @@ void ExpectAsByXalan(DOMNode* pContext, const std::string& expression) {
   EXPECT_EQ(slow.m_Status, answer.m_Status) << expression;
   EXPECT_EQ(slow.m_Message, answer.m_Message) << expression;
   EXPECT_EQ(slow.m_Nodes, answer.m_Nodes) << expression << " at " << Label(*pContext);
+  std::u16string longForm = wide;
+  for (std::size_t at = 0; (at = longForm.find(u"//", at)) != longForm.npos;) {
+    longForm.replace(at, 2, u"/descendant-or-self::node()/");
+  }
+  EXPECT_EQ(Ask(pContext, longForm, EPlainPaths::kByXalan).m_Nodes, answer.m_Nodes) << expression;
   if (slow.m_Status != 0) return;
   slow.m_Nodes.resize(std::min<std::size_t>(slow.m_Nodes.size(), 1));
   EXPECT_EQ(slow.m_Nodes, XPathManager(pContext).EvaluateFirst(wide.c_str())) << expression;
@@ -760,7 +571,7 @@ TEST(XPathPlain, TellsPlainFromOther) {
   for (const auto text : kOther) EXPECT_FALSE(CPlainPath::Read(text, scope)) << Narrow(text.data());
 }
 
-TEST(XPathPlain, SelectsWhatXalanSelects) {
+TEST(XPathPlain, SelectsWhatXalanAndTheLongFormSelect) {
   for (unsigned seed = 0; seed < 40; ++seed) {
     CPaths paths(seed);
     const CDocument document = Parse(paths.Document(), seed % 4 != 0);
@@ -770,35 +581,22 @@ TEST(XPathPlain, SelectsWhatXalanSelects) {
     DOMNode* pFragment = document->createDocumentFragment();
     pFragment->appendChild(pRoot->cloneNode(true));
     DOMNode* pDetached = pRoot->cloneNode(true);
-    std::map<const DOMNode*, int> positions;
+    std::vector<DOMNode*> contexts;
     for (DOMNode* pTree : {static_cast<DOMNode*>(document.get()), pFragment, pDetached}) {
-      Number(pTree, positions);
+      Walk(pTree, contexts);
     }
-    std::vector<DOMNode*> contexts(positions.size());
-    for (const auto& [pNode, position] : positions) {
-      contexts[static_cast<std::size_t>(position)] = const_cast<DOMNode*>(pNode);
+    for (const std::string predicate :
+         {"[1]", "[2]", "[last()]", "[position() = 2]", "['1']", "[1 + 0]", "[1 or 0]", "[@a * 1]",
+          "[@a = 1][1]", "[a or b]", "[.//a[1]]", "[b][2]", "[a//b]/..//b", "[ancestor::a]"}) {
+      for (const char* pStart :
+           {"//a", "//*", "//self::a", "//child :: b", "//@a", ".//or | //b"}) {
+        ExpectAsByXalan(pRoot, pStart + predicate);
+      }
     }
     for (int i = 0; i < 50 && !HasFailure(); ++i) {
       ExpectAsByXalan(contexts[paths.Below(contexts.size())], paths.Union());
     }
   }
-}
-
-// -- Threads -------------------------------------------------------------------------
-
-TEST(XPathThreads, EachWithADocument) {
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 8; ++i) {
-    threads.emplace_back([i] {
-      const CDocument document = Parse("<r>" + Repeat("<x><y z='1'/></x>", i + 100) + "</r>");
-      for (int round = 0; round < 20; ++round) {
-        EXPECT_EQ(static_cast<std::size_t>(i) + 100,
-                  Ask(document.get(), u"//x[y/@z = 1]").m_Nodes.size());
-        EXPECT_EQ("-2768", Select(document.get(), "//x["));
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
 }
 
 }  // namespace
