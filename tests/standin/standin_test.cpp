@@ -18,17 +18,8 @@ namespace {
 
 unsigned char* BytesOf(HostHandle handle) { return *static_cast<unsigned char**>(handle); }
 
-// A resize to the same size stays in place unless it is told to move.
-bool MovesOnResize() {
-  HostHandle handle = HostNewHandle(64);
-  const auto before = reinterpret_cast<uintptr_t>(BytesOf(handle));
-  HostSetHandleSize(handle, 64);
-  const bool moved = reinterpret_cast<uintptr_t>(BytesOf(handle)) != before;
-  HostDisposeHandle(handle);
-  return moved;
-}
-
-const bool s_MovesAtStart = MovesOnResize();
+const char* const s_pMove = std::getenv("TESSEL_STANDIN_MOVE");
+const bool s_MovesAtStart = s_pMove != nullptr && std::string_view(s_pMove) == "1";
 
 StandinLedger Ledger() {
   StandinLedger ledger;
@@ -64,21 +55,22 @@ class Standin : public testing::Test {
 };
 
 using Handles = Standin;
-using Strings = Standin;
-using Paths = Standin;
 using Faults = Standin;
 using Mutexes = Standin;
 
 TEST_F(Handles, ResizeKeepsContentsUpToTheSmallerSize) {
   const std::array<std::pair<size_t, size_t>, 6> kSteps{
-      {{0, 5}, {5, 0}, {16, 16}, {1, 100000}, {100000, 3}, {7, 8}}};
-  for (const bool moving : {false, true}) {
-    StandinMoveOnResize(moving);
+      {{0, 5}, {5, 0}, {16, 16}, {1, 100000}, {100000, 3}, {0, 0}}};
+  for (const bool moving : {s_MovesAtStart, !s_MovesAtStart}) {
+    if (moving != s_MovesAtStart) StandinMoveOnResize(moving);
     for (const auto& [from, to] : kSteps) {
       SCOPED_TRACE(testing::Message() << from << " to " << to << ", moving " << moving);
       HostHandle handle = HostNewHandle(from);
+      const auto before = reinterpret_cast<uintptr_t>(BytesOf(handle));
       for (size_t i = 0; i < from; ++i) BytesOf(handle)[i] = static_cast<unsigned char>(i + 1);
       ASSERT_EQ(HostSetHandleSizeClear(handle, to), 0);
+      const bool hasMoved = reinterpret_cast<uintptr_t>(BytesOf(handle)) != before;
+      EXPECT_TRUE(from == to ? hasMoved == moving : hasMoved || !moving);
       EXPECT_EQ(HostGetHandleSize(handle), to);
       EXPECT_EQ(Ledger().handleBytes, static_cast<int64_t>(to));
       for (size_t i = 0; i < to; ++i) {
@@ -94,52 +86,38 @@ TEST_F(Handles, ValuesThatAreNotAliveAreRefusedAndCounted) {
   HostHandle disposed = HostNewHandle(8);
   EXPECT_EQ(HostDisposeHandle(disposed), 0);
   int foreign = 0;
-  const std::array<HostHandle, 4> kValues{disposed, &foreign, static_cast<char*>(live) + 8,
-                                          reinterpret_cast<HostHandle>(uintptr_t{1})};
-  for (const HostHandle value : kValues) {
+  for (const HostHandle value :
+       {disposed, HostHandle{&foreign}, HostHandle{static_cast<char*>(live) + 8},
+        reinterpret_cast<HostHandle>(uintptr_t{1})}) {
     EXPECT_TRUE(Violates([&] { EXPECT_EQ(HostDisposeHandle(value), 1); }));
     EXPECT_TRUE(Violates([&] { EXPECT_EQ(HostSetHandleSize(value, 9), 1); }));
-    EXPECT_TRUE(Violates([&] { EXPECT_EQ(HostSetHandleSizeClear(value, 9), 1); }));
     EXPECT_TRUE(Violates([&] { EXPECT_EQ(HostGetHandleSize(value), 0U); }));
   }
   EXPECT_STREQ(StandinLastViolation(), "a handle that is not alive was used");
-  StandinForgetHistory();
-  EXPECT_EQ(HostDisposeHandle(nullptr), 1);
-  EXPECT_EQ(Ledger().violations, 0);
-  EXPECT_EQ(Ledger().handles, 1);
+  EXPECT_FALSE(Violates([] { EXPECT_EQ(HostDisposeHandle(nullptr), 1); }));
+  EXPECT_EQ(HostNewHandle(SIZE_MAX), nullptr);
+  EXPECT_EQ(HostNewPtrClear(SIZE_MAX - 4), nullptr);
+  EXPECT_EQ(HostSetHandleSize(live, SIZE_MAX), 2);
+  EXPECT_EQ(HostGetHandleSize(live), 8U);
   EXPECT_EQ(HostDisposeHandle(live), 0);
 }
 
 TEST_F(Handles, AStaleOneIsRecognisedWhileOthersComeAndGo) {
-  for (const size_t live : {0U, 120U, 250U, 2000U}) {
-    std::vector<HostHandle> handles;
-    for (size_t i = 0; i < live; ++i) handles.push_back(HostNewHandle(1));
-    HostHandle stale = HostNewHandle(1);
-    HostDisposeHandle(stale);
-    for (size_t i = 0; i < 127; ++i) HostDisposeHandle(HostNewHandle(1));
-    for (size_t i = 0; i < 1000; ++i) handles.push_back(HostNewHandle(1));
-    EXPECT_EQ(std::ranges::count(handles, stale), 0) << live;
-    EXPECT_TRUE(Violates([&] { EXPECT_EQ(HostDisposeHandle(stale), 1); })) << live;
-    for (const HostHandle handle : handles) EXPECT_EQ(HostDisposeHandle(handle), 0);
-  }
-}
-
-TEST_F(Handles, ImpossibleSizesAreRefused) {
-  EXPECT_EQ(HostNewHandle(SIZE_MAX), nullptr);
-  EXPECT_EQ(HostNewHandleClear(SIZE_MAX), nullptr);
-  EXPECT_EQ(HostNewPtrClear(SIZE_MAX - 4), nullptr);
-  HostHandle handle = HostNewHandle(4);
-  EXPECT_EQ(HostSetHandleSize(handle, SIZE_MAX), 2);
-  EXPECT_EQ(HostGetHandleSize(handle), 4U);
-  EXPECT_EQ(HostDisposeHandle(handle), 0);
+  HostHandle stale = HostNewHandle(1);
+  HostDisposeHandle(stale);
+  for (size_t i = 0; i < 127; ++i) HostDisposeHandle(HostNewHandle(1));
+  std::vector<HostHandle> handles;
+  for (size_t i = 0; i < 1000; ++i) handles.push_back(HostNewHandle(1));
+  EXPECT_EQ(std::ranges::count(handles, stale), 0);
+  EXPECT_TRUE(Violates([&] { EXPECT_EQ(HostDisposeHandle(stale), 1); }));
+  for (const HostHandle handle : handles) EXPECT_EQ(HostDisposeHandle(handle), 0);
 }
 
 TEST_F(Handles, AreDistinctInAllThreadsAndMayDieInAnother) {
-  constexpr size_t kThreads = 4;
   constexpr size_t kEach = 3000;
-  std::vector<HostHandle> handles(kThreads * kEach);
+  std::vector<HostHandle> handles(4 * kEach);
   std::vector<std::thread> threads;
-  for (size_t t = 0; t < kThreads; ++t) {
+  for (size_t t = 0; t < 4; ++t) {
     threads.emplace_back([&handles, t] {
       for (size_t i = t * kEach; i < (t + 1) * kEach; ++i) {
         HostDisposeHandle(HostNewHandle(1));
@@ -156,115 +134,61 @@ TEST_F(Handles, AreDistinctInAllThreadsAndMayDieInAnother) {
   }
 }
 
-TEST_F(Handles, MovingChangesTheAddressAtEveryResize) {
-  StandinMoveOnResize(true);
-  HostHandle handle = HostNewHandle(32);
-  for (const size_t size : {64U, 64U, 8U, 0U, 0U, 9U}) {
-    const auto before = reinterpret_cast<uintptr_t>(BytesOf(handle));
-    EXPECT_EQ(HostSetHandleSize(handle, size), 0);
-    EXPECT_NE(reinterpret_cast<uintptr_t>(BytesOf(handle)), before) << size;
-  }
-  EXPECT_EQ(HostDisposeHandle(handle), 0);
-}
-
-TEST_F(Handles, TheEnvironmentTurnsMovingOn) {
-  const char* pMove = std::getenv("TESSEL_STANDIN_MOVE");
-  EXPECT_EQ(s_MovesAtStart, pMove != nullptr && std::string_view(pMove) == "1");
-}
-
-TEST_F(Strings, HoldExactlyTheBytesGiven) {
-  HStr string = nullptr;
-  for (const std::string_view text : {std::string_view("a\0b", 3), {"longer than that"}, {""}}) {
-    ASSERT_EQ(HostStringFromPtr(&string, static_cast<int32_t>(text.size()), text.data()), 0);
-    EXPECT_EQ((*string)->count, static_cast<int32_t>(text.size()));
-    EXPECT_EQ(HostGetHandleSize(string), 4 + text.size());
-    EXPECT_EQ(std::memcmp(BytesOf(string) + 4, text.data(), text.size()), 0);
-  }
-  EXPECT_EQ(HostStringFromPtr(nullptr, 1, "x"), 1);
-  EXPECT_EQ(HostDisposeHandle(string), 0);
-  HStr whole = StandinStringFromText("four", -1);
-  EXPECT_EQ((*whole)->count, 4);
-  EXPECT_EQ(HostDisposeHandle(whole), 0);
-}
-
-TEST_F(Strings, AFailureLeavesTheStringAsItWas) {
+TEST_F(Handles, AStringThatCannotBeWrittenStaysAsItWas) {
   HStr string = StandinStringFromText("old", -1);
+  EXPECT_EQ(HostStringFromPtr(nullptr, 1, "x"), 1);
   EXPECT_NE(HostStringFromPtr(&string, -1, "x"), 0);
   StandinFailAllocation(1);
   EXPECT_EQ(HostStringFromPtr(&string, 6, "longer"), 2);
   EXPECT_EQ((*string)->count, 3);
+  EXPECT_EQ(HostGetHandleSize(string), 7U);
   EXPECT_EQ(std::memcmp(BytesOf(string) + 4, "old", 3), 0);
   EXPECT_EQ(HostDisposeHandle(string), 0);
-  HStr none = nullptr;
-  StandinFailAllocation(1);
-  EXPECT_EQ(HostStringFromPtr(&none, 1, "x"), 2);
-  EXPECT_EQ(none, nullptr);
 }
 
-TEST_F(Paths, KnowTheirKindAndGiveTheirText) {
-  const std::array<std::pair<const char*, bool>, 3> kTexts{
-      {{"dir/a file.xml", false}, {"", true}, {nullptr, true}}};
-  for (const auto& [pText, isEmpty] : kTexts) {
+TEST_F(Handles, PathsKnowTheirKindAndGiveTheirText) {
+  for (const char* pText : {"dir/a file.xml", ""}) {
     HostPath path = StandinPathFromText(pText);
     EXPECT_NE(HostIsAPath(path), 0);
-    EXPECT_EQ(HostIsEmptyPath(path) != 0, isEmpty);
+    EXPECT_EQ(HostIsEmptyPath(path) != 0, *pText == 0);
     HostHandle native = HostPathToNative(path);
-    EXPECT_STREQ(reinterpret_cast<char*>(BytesOf(native)), isEmpty ? "" : pText);
+    EXPECT_STREQ(reinterpret_cast<char*>(BytesOf(native)), pText);
     EXPECT_EQ(HostDisposeHandle(native), 0);
     EXPECT_EQ(StandinPathDispose(path), 0);
     EXPECT_EQ(HostIsAPath(path), 0);
     EXPECT_TRUE(Violates([&] { EXPECT_EQ(StandinPathDispose(path), 1); }));
     EXPECT_TRUE(Violates([&] { EXPECT_EQ(HostPathToNative(path), nullptr); }));
   }
-  char foreign = 'x';
-  EXPECT_EQ(HostIsAPath(nullptr), 0);
-  EXPECT_EQ(HostIsAPath(reinterpret_cast<HostPath>(&foreign)), 0);
-  EXPECT_EQ(StandinPathDispose(nullptr), 1);
 }
 
-// Makes one request of each of five kinds, a shrink between them, and returns the
-// numbers of those that were refused.
-std::vector<int> RefusedOfFive() {
-  std::vector<int> refused;
-  const auto note = [&](int number, bool granted) {
-    if (!granted) refused.push_back(number);
-  };
+// Makes a request of each kind and returns the numbers of those that were refused.
+std::vector<int> Refused() {
   HostHandle handle = HostNewHandle(4);
-  note(1, handle != nullptr);
-  HostHandle clear = HostNewHandleClear(4);
-  note(2, clear != nullptr);
-  HostHandle resized = handle != nullptr ? handle : clear;
-  EXPECT_TRUE(resized == nullptr || HostSetHandleSize(resized, 2) == 0);
-  note(3, resized != nullptr && HostSetHandleSize(resized, 8) == 0);
-  note(4, HostNewPtrClear(4) != nullptr);
-  HostPath path = StandinPathFromText("p");
-  HostHandle native = HostPathToNative(path);
-  note(5, native != nullptr);
-  StandinPathDispose(path);
-  for (const HostHandle value : {handle, clear, native}) HostDisposeHandle(value);
+  HostHandle resized = handle != nullptr ? handle : HostNewHandle(4);
+  const bool grown = HostSetHandleSize(resized, 2) == 0 && HostSetHandleSize(resized, 8) == 0;
+  const bool granted[] = {handle != nullptr, grown, HostNewPtrClear(4) != nullptr};
+  if (resized != nullptr) HostDisposeHandle(resized);
+  std::vector<int> refused;
+  for (int i = 0; i < 3; ++i) {
+    if (!granted[i]) refused.push_back(i + 1);
+  }
   return refused;
 }
 
-TEST_F(Faults, RefuseTheRequestWithTheNumber) {
+TEST_F(Faults, RefuseTheRequestWithTheNumberOrAllFromIt) {
   for (const bool moving : {false, true}) {
     StandinMoveOnResize(moving);
-    for (int n = 1; n <= 5; ++n) {
-      StandinForgetHistory();
-      StandinFailAllocation(n);
-      EXPECT_EQ(RefusedOfFive(), std::vector{n});
-      EXPECT_EQ(Ledger().requests, 5);
-      EXPECT_EQ(Ledger().refusals, 1);
-      EXPECT_EQ(RefusedOfFive(), std::vector<int>{});
-    }
+    StandinForgetHistory();
+    StandinFailAllocation(2);
+    EXPECT_EQ(Refused(), std::vector{2});
+    EXPECT_EQ(Ledger().requests, 3);
+    EXPECT_EQ(Ledger().refusals, 1);
+    EXPECT_EQ(Refused(), std::vector<int>{});
   }
-}
-
-TEST_F(Faults, RefuseAllFromTheNumberOnUntilTurnedOff) {
-  StandinFailAllocationsFrom(3);
-  EXPECT_EQ(RefusedOfFive(), (std::vector{3, 4, 5}));
-  EXPECT_EQ(RefusedOfFive(), (std::vector{1, 2, 3, 4, 5}));
+  StandinFailAllocationsFrom(2);
+  EXPECT_EQ(Refused(), (std::vector{2, 3}));
   StandinFailAllocationsFrom(0);
-  EXPECT_EQ(RefusedOfFive(), std::vector<int>{});
+  EXPECT_EQ(Refused(), std::vector<int>{});
 }
 
 TEST_F(Faults, PointersAreClearAndDieTogether) {
@@ -285,25 +209,6 @@ HostMutex NewMutex(const char* pName) {
   return mutex;
 }
 
-TEST_F(Mutexes, KeepThreadsApart) {
-  HostMutex mutex = NewMutex("m");
-  int64_t sum = 0;
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 4; ++t) {
-    threads.emplace_back([&] {
-      for (int i = 0; i < 2000; ++i) {
-        HostMutexAcquire(mutex);
-        ++sum;
-        HostMutexRelease(mutex);
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(sum, 8000);
-  EXPECT_EQ(Ledger().violations, 0);
-  HostMutexDestroy(mutex);
-}
-
 TEST_F(Mutexes, MisuseIsCountedAndChangesNothing) {
   HostMutex mutex = NewMutex("m");
   HostMutexAcquire(mutex);
@@ -312,6 +217,8 @@ TEST_F(Mutexes, MisuseIsCountedAndChangesNothing) {
   EXPECT_TRUE(Violates([&] { HostMutexDestroy(mutex); }));
   StandinMutex state{};
   EXPECT_EQ(StandinReadMutexes(&state, 1), 1U);
+  EXPECT_EQ(StandinLiveMutexes("m"), 1);
+  EXPECT_EQ(StandinLiveMutexes("none"), 0);
   EXPECT_EQ(state.owner, StandinThread());
   HostMutexRelease(mutex);
   EXPECT_TRUE(Violates([&] { HostMutexRelease(mutex); }));
@@ -321,24 +228,6 @@ TEST_F(Mutexes, MisuseIsCountedAndChangesNothing) {
     EXPECT_TRUE(Violates([&] { HostMutexRelease(dead); }));
     EXPECT_TRUE(Violates([&] { HostMutexDestroy(dead); }));
   }
-}
-
-TEST_F(Mutexes, AreListedByNameAndInOrderOfCreation) {
-  HostMutex first = NewMutex("twin");
-  HostMutex other = NewMutex("single");
-  HostMutexDestroy(first);
-  first = NewMutex("twin");
-  HostMutex second = NewMutex("twin");
-  EXPECT_EQ(StandinLiveMutexes("twin"), 2);
-  EXPECT_EQ(StandinLiveMutexes("single"), 1);
-  EXPECT_EQ(StandinLiveMutexes("none"), 0);
-  EXPECT_EQ(StandinLiveMutexes(nullptr), 3);
-  std::array<StandinMutex, 2> states{};
-  EXPECT_EQ(StandinReadMutexes(states.data(), states.size()), 3U);
-  EXPECT_STREQ(states[0].name, "single");
-  EXPECT_STREQ(states[1].name, "twin");
-  EXPECT_EQ(states[0].owner, 0U);
-  for (const HostMutex mutex : {first, other, second}) HostMutexDestroy(mutex);
 }
 
 TEST_F(Mutexes, NestingIsRememberedAsPairsAndDepth) {
@@ -358,18 +247,12 @@ TEST_F(Mutexes, NestingIsRememberedAsPairsAndDepth) {
   EXPECT_EQ(count, 3U);
   EXPECT_EQ(found, (std::set<std::string>{"ab", "ac", "bc"}));
   EXPECT_EQ(Ledger().deepest, 3);
-  EXPECT_EQ(Ledger().violations, 0);
-  StandinForgetHistory();
-  EXPECT_EQ(StandinReadMutexPairs(nullptr, 0), 0U);
-  EXPECT_EQ(Ledger().deepest, 0);
   for (const HostMutex mutex : kMutexes) HostMutexDestroy(mutex);
 }
 
 TEST_F(Mutexes, TraceTellsWhatHappenedInWhichThread) {
   StandinTraceStart();
   HostMutex mutex = NewMutex("m");
-  HostMutexAcquire(mutex);
-  HostMutexRelease(mutex);
   uint64_t other = 0;
   OnOtherThread([&] {
     other = StandinThread();
@@ -380,11 +263,8 @@ TEST_F(Mutexes, TraceTellsWhatHappenedInWhichThread) {
   StandinTraceStop();
   HostMutexDestroy(NewMutex("after"));
   const uint64_t self = StandinThread();
-  ASSERT_NE(self, other);
-  const std::array<std::pair<StandinMutexAction, uint64_t>, 6> kExpected{
+  const std::array<std::pair<StandinMutexAction, uint64_t>, 4> kExpected{
       {{StandinMutexCreated, self},
-       {StandinMutexAcquired, self},
-       {StandinMutexReleased, self},
        {StandinMutexAcquired, other},
        {StandinMutexReleased, other},
        {StandinMutexDestroyed, self}}};
