@@ -106,26 +106,20 @@ TEST(NodeRegistryModel, RandomOperationsAgree) {
   const auto pick = [&](const auto& from) { return from[random() % from.size()]; };
   CDOMNodeSessMap registry("Model Mutex");
   CModel model;
+  EXPECT_EQ(registry.Insert(nullptr), 0u);
   for (int step = 0; step < 40000; ++step) {
     SCOPED_TRACE(step);
     // Recent ids, now and then one that is long gone or was never issued.
     const unsigned long id = model.Last() + 2 - std::min(model.Last() + 2, random() % 60ul);
     DOMNode* pNode = pick(nodes);
-    switch (random() % 12) {
-      case 0:
-      case 1:
-      case 2:
-      case 3:
-      case 4:
+    switch ("IIIIIDDDDROW"[random() % 12]) {
+      case 'I':
         ASSERT_EQ(registry.Insert(pNode), model.Insert(pNode));
         break;
-      case 5:
-      case 6:
-      case 7:
-      case 8:
+      case 'D':
         ASSERT_EQ(registry.DeleteBySess(id), model.DeleteBySess(id));
         break;
-      case 9: {
+      case 'R': {
         // Only ever to a node that has no id yet, as replacing an element does.
         DOMNode* pNew = pick(elements);
         if (model.IsKnown(pNew)) break;
@@ -133,14 +127,14 @@ TEST(NodeRegistryModel, RandomOperationsAgree) {
         model.ResetPtr(pNew, id);
         break;
       }
-      case 10: {
+      case 'O': {
         DOMNode* pElement = pick(elements);
         DOMDocument* pDoc = doms[random() % doms.size()]->m_pDoc;
         registry.InsertDocNodeMapEntry(pDoc, pElement);
         model.SetOwner(pDoc, pElement);
         break;
       }
-      case 11:
+      case 'W':
         if (random() % 2 == 0) {
           registry.Withdraw(pNode);
         } else {
