@@ -318,6 +318,9 @@ class ClientTest(unittest.TestCase):
         self.assertEqual((0, b""), (result.returncode, result.stdout))
         self.assertEqual(self.run_client("format nested.xml").stdout, self.read("new.xml"))
         self.assertEqual(0o640, stat.S_IMODE(os.stat(self.path("new.xml")).st_mode))
+        to_itself = self.run_client("format -o nested.xml nested.xml")
+        self.assertEqual(0, to_itself.returncode)
+        self.assertEqual(self.read("new.xml"), self.read("nested.xml"))
 
     def check_kept(self, message, **options):
         before, names = self.read("cat.xml"), sorted(os.listdir(self.folder))
