@@ -72,6 +72,9 @@ struct CRow {
 
 const std::vector<CRow>& Rows();
 
+// Whether a function changes nothing; a string at the end of its arguments is an out.
+bool OnlyReads(const CRow& row);
+
 // Where the decoder finds ids to choose from, and who looks at each call.
 class CObserver {
  public:
@@ -104,6 +107,11 @@ class CCall {
     } else {
       m_Status = std::apply(pFunction, args);
     }
+    constexpr bool kEndsInString = std::is_same_v<LastOf<Args...>, HStr*>;
+    m_IsOutLeft = m_IdOut == kOldId || m_Flag == kOldFlag || m_Number == kOldNumber ||
+                  m_Array.IsThere() ||
+                  (kEndsInString && OnlyReads(m_Row) && *m_Strings.back()->Out() != nullptr);
+    if (m_IdOut == kOldId) m_IdOut = 0;
   }
 
   const CRow& m_Row;
@@ -112,20 +120,30 @@ class CCall {
   std::vector<TSXRefId> m_Ids;
   TSXRefId m_IdOut = 0;
   CIds m_Array;
-  size_t m_Choices = 1;  // the most values that a byte could choose for an argument
+  bool m_IsOutLeft = false;  // an out holds something after the call, as all did before it
+  size_t m_Choices = 1;      // the most values that a byte could choose for an argument
 
  private:
+  static constexpr TSXRefId kOldId = ~TSXRefId{0};
+  static constexpr uint8_t kOldFlag = 77;
+  static constexpr int32_t kOldNumber = 77;
+  template <class... Args>
+  using LastOf = std::tuple_element_t<sizeof...(Args), std::tuple<void, Args...>>;
+
   template <class T>
   T Take() {
+    constexpr bool kIsOut = !std::is_const_v<std::remove_pointer_t<T>>;
     if constexpr (std::is_same_v<T, TSXRefId>) {
       return Id();
     } else if constexpr (std::is_same_v<T, TSXRefId*>) {
+      m_IdOut = kOldId;
       return &m_IdOut;
     } else if constexpr (std::is_same_v<T, HStr*>) {
       return String();
     } else if constexpr (std::is_same_v<T, HostPath>) {
       return Path();
     } else if constexpr (std::is_same_v<T, GenericRefObjSessionArray*>) {
+      m_Array.MakeEmpty();
       return m_Array.Out();
     } else if constexpr (std::is_same_v<T, int32_t>) {
       return Number();
@@ -133,10 +151,12 @@ class CCall {
       return Choice(2) != 0;
     } else if constexpr (sizeof(std::remove_pointer_t<T>) == 1) {
       m_Flag = static_cast<uint8_t>(Choice(2));
+      if constexpr (kIsOut) m_Flag = kOldFlag;
       return &m_Flag;
     } else {
       static_assert(std::is_convertible_v<int32_t*, T>);
       m_Number = Number();
+      if constexpr (kIsOut) m_Number = kOldNumber;
       return &m_Number;
     }
   }

@@ -49,6 +49,11 @@ void CText::Set(std::string_view text) {
   }
 }
 
+void CIds::MakeEmpty() {
+  if (domSetHandleSizeOrNewHandle(&m_Handle, sizeof(int64_t)) != 0) Fail("no memory for an array");
+  (*m_Handle)->count = 0;
+}
+
 void CIds::CloseNodes() const {
   for (size_t i = 0; i < Count(); ++i) TSXNodeClose(At(i));
 }

@@ -64,6 +64,8 @@ class CIds {
   CIds& operator=(const CIds&) = delete;
 
   GenericRefObjSessionArray* Out() { return &m_Handle; }
+  bool IsThere() const { return m_Handle != nullptr; }
+  void MakeEmpty();
   size_t Count() const { return m_Handle == nullptr ? 0 : static_cast<size_t>((*m_Handle)->count); }
   TSXRefId At(size_t index) const { return (*m_Handle)->ids[index]; }
   void CloseNodes() const;

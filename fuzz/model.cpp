@@ -298,11 +298,23 @@ bool CModel::Before(const CCall& call) {
 
 // -- After a call -------------------------------------------------------------------
 
+// A refused id clears the outs. Contract: not those of these functions, the last of
+// which empties its array in place.
+void CModel::CheckOuts(const CCall& call) const {
+  constexpr std::array kLeaving{
+      "TSXCloneNode",          "TSXGetDoNamespaces",       "TSXGetDoSchema",
+      "TSXGetEncoding",        "TSXGetValidateOnLoad",     "TSXGetValidationSchemaFullChecking",
+      "TSXGetLoadExternalDTD", "TSXGetPreserveWhitespace", "XPathEvaluateContextToNodeArray"};
+  const bool leaves = std::ranges::find(kLeaving, std::string_view(Name(call))) != kLeaving.end();
+  if (call.m_IsOutLeft != leaves) Differs("an out beside a bad id", call.m_Ids[0]);
+}
+
 void CModel::CheckStatus(const CCall& call) {
   RequireKnown(call.m_Status, m_HostRefuses);
   const TSXStatus code = call.m_Row.m_Code;
   const TSXRefId first = call.m_Ids.empty() ? 0 : call.m_Ids[0];
   if (code != 0 && !m_IsAccepted && call.m_Status != code) Differs("a bad id was taken", first);
+  if ((code != 0 && !m_IsAccepted) || m_CodeOfArgument != 0) CheckOuts(call);
   if (m_CodeOfArgument != 0 && call.m_Status != m_CodeOfArgument) {
     Differs("a bad id behind the first was taken", first);
   }

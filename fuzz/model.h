@@ -75,6 +75,7 @@ class CModel : public CObserver {
   void OrderFaults();
 
   // -- After it
+  void CheckOuts(const CCall& call) const;
   void CheckStatus(const CCall& call);
   void EndIds(const CCall& call);
   void CountBack(const CCall& call);

@@ -1,4 +1,5 @@
 // The exported functions as the decoder sees them.
+#include <array>
 #include <cstring>
 #include <memory>
 
@@ -228,6 +229,14 @@ const std::vector<CRow>& Rows() {
       // clang-format on
   };
   return s_Rows;
+}
+
+bool OnlyReads(const CRow& row) {
+  const std::string_view name = row.m_pName;
+  return row.m_Ends == Ends::kNone && row.m_Gives != Gives::kFreshNode &&
+         std::ranges::any_of(std::array{"TSXGet", "TSXHas", "TSXIs", "TSXName", "TSXOwner", "TSU",
+                                        "XPath", "TSIGet"},
+                             [&](const char* pStart) { return name.starts_with(pStart); });
 }
 
 }  // namespace fuzz
