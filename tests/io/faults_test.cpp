@@ -4,9 +4,9 @@
 #include <sys/stat.h>
 
 #include <functional>
+#include <xercesc/util/FileManagers/PosixFileMgr.hpp>
 #include <xercesc/util/IOException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
-#include <xercesc/util/XMLFileMgr.hpp>
 
 #include "support/path.h"
 
@@ -17,6 +17,7 @@ using support::CIds;
 using support::CPath;
 using support::CText;
 using support::IdOf;
+using support::LoadFile;
 
 // -- Memory --------------------------------------------------------------------
 
@@ -31,13 +32,16 @@ class Refusals : public support::CLedgerTest {
   };
 
   struct COuts {
-    COuts() = default;
-    explicit COuts(const char* pText) : m_Text(pText) {
+    explicit COuts(bool inUse) {
+      if (!inUse) return;
+      EXPECT_EQ(HostStringFromPtr(&m_Text, 3, "old"), 0);
       domSetHandleSizeOrNewHandle(&m_Ids, 8);
       ClearSessionArray(&m_Ids);
     }
-    CText m_Text;
-    CText m_Exception;
+    ~COuts() {
+      for (const TSXRefId id : m_Ids.Get()) TSXNodeClose(id);
+    }
+    CText m_Text, m_Exception;
     CIds m_Ids{};
     TSXRefId m_Id = 0;
   };
@@ -45,9 +49,9 @@ class Refusals : public support::CLedgerTest {
   struct CRow {
     const char* m_pName;
     Out m_Out;
-    TSXStatus m_Good;
-    TSXStatus m_Refused;
     std::function<TSXStatus(COuts&)> m_Call;
+    TSXStatus m_Good = 0;
+    TSXStatus m_Refused = 0;
     bool m_NeedsPath = false;  // its first request is for the path: 2, and all is left alone
   };
 
@@ -57,43 +61,27 @@ class Refusals : public support::CLedgerTest {
     return ledger.refusals;
   }
 
-  static void CloseIds(COuts& outs) {
-    for (const TSXRefId id : outs.m_Ids.Get()) TSXNodeClose(id);
-    if (outs.m_Id != 0) TSXNodeClose(outs.m_Id);
-  }
-
-  static void ExpectRefusal(const CRow& row, COuts& outs, const std::string& good) {
+  static void ExpectRefusal(const CRow& row, const COuts& outs, const std::string& good) {
     const std::string text = outs.m_Text.Str();
-    switch (row.m_Out) {
-      case Out::kCleared:
-        EXPECT_TRUE(outs.m_Text.IsNull()) << text;
-        break;
-      case Out::kKept:
-        EXPECT_TRUE(outs.m_Text.IsNull() || text == "old") << text;
-        break;
-      case Out::kNoArray:
-        EXPECT_TRUE(outs.m_Ids.IsNull());
-        break;
-      case Out::kMessage:
-        EXPECT_NE(text, "old");
-        EXPECT_LE(text.size(), good.size()) << text;
-        break;
+    if (row.m_Out == Out::kNoArray) {
+      EXPECT_TRUE(outs.m_Ids.IsNull());
+    } else if (row.m_Out == Out::kMessage) {
+      EXPECT_TRUE(text != "old" && text.size() <= good.size()) << text;
+    } else {
+      EXPECT_TRUE(outs.m_Text.IsNull() || (row.m_Out == Out::kKept && text == "old")) << text;
     }
   }
 
   // Refuses the first request, the second, and so on, until the call asks for no
   // more; alone or with all that follow it, with outs that are empty or in use.
-  static void Sweep(const CRow& row, void (*refuse)(int64_t), const char* pOld) {
-    COuts whole;
+  static void Sweep(const CRow& row, void (*refuse)(int64_t), bool inUse) {
+    COuts whole(false);
     EXPECT_EQ(row.m_Call(whole), row.m_Good);
-    const size_t withWhole = support::LiveIds();
-    const std::string good = whole.m_Text.Str();
-    EXPECT_TRUE(row.m_Out != Out::kNoArray || !whole.m_Ids.Get().empty());
-    for (int64_t n = 1;; ++n) {
+    EXPECT_NE(whole.m_Text.IsNull(), whole.m_Ids.Get().empty()) << "one of them is given";
+    const size_t liveIds = support::LiveIds();
+    for (int64_t n = 1; n < 100; ++n) {
       SCOPED_TRACE(n);
-      ASSERT_LT(n, 100) << "the call never came to its end";
-      COuts fresh, used("old");
-      COuts& outs = pOld != nullptr ? used : fresh;
+      COuts outs(inUse);
       const int64_t before = Refused();
       refuse(n);
       const TSXStatus status = row.m_Call(outs);
@@ -101,106 +89,93 @@ class Refusals : public support::CLedgerTest {
       if (Refused() == before) {
         EXPECT_EQ(status, row.m_Good);
         EXPECT_EQ(outs.m_Ids.Get(), whole.m_Ids.Get());
-        if (row.m_Out != Out::kNoArray) {
-          EXPECT_EQ(outs.m_Text.Str(), good);
-        }
-        CloseIds(outs);
-        CloseIds(whole);
+        EXPECT_TRUE(row.m_Out == Out::kNoArray || outs.m_Text.Str() == whole.m_Text.Str());
         EXPECT_GT(n, 1) << "the call asks for no memory";
         return;
       }
-      const bool isPath = row.m_NeedsPath && n == 1;
-      EXPECT_EQ(status, isPath ? 2 : row.m_Refused);
-      if (isPath) {
-        EXPECT_EQ(outs.m_Text.Str(), pOld != nullptr ? pOld : "");
+      if (row.m_NeedsPath && n == 1) {
+        EXPECT_EQ(status, 2);
+        EXPECT_EQ(outs.m_Text.Str(), inUse ? "old" : "");
       } else {
-        ExpectRefusal(row, outs, good);
+        EXPECT_EQ(status, row.m_Refused);
+        ExpectRefusal(row, outs, whole.m_Text.Str());
       }
-      CloseIds(outs);
-      EXPECT_EQ(support::LiveIds(), withWhole) << "ids that nobody can give back";
+      EXPECT_EQ(support::LiveIds(), liveIds) << "ids that nobody can give back";
     }
+    FAIL() << "the call never came to its end";
   }
 
-  static void Sweep(const std::vector<CRow>& rows) {
-    for (const CRow& row : rows) {
-      SCOPED_TRACE(row.m_pName);
-      for (const auto refuse : {StandinFailAllocation, StandinFailAllocationsFrom}) {
-        for (const char* pOld : {static_cast<const char*>(nullptr), "old"}) {
-          Sweep(row, refuse, pOld);
-        }
-      }
+  static void Sweep(const CRow& row) {
+    SCOPED_TRACE(row.m_pName);
+    for (const auto refuse : {StandinFailAllocation, StandinFailAllocationsFrom}) {
+      for (const bool inUse : {false, true}) Sweep(row, refuse, inUse);
     }
-    StandinDisposePointers();
   }
 };
 
 TEST_F(Refusals, StringsAreClearedAndTheCodeIsTheHosts) {
   CDoc doc;
-  const uint8_t on = 1;
-  ASSERT_EQ(TSXSetDoNamespaces(doc.Id(), 0, &on), 0);
+  ASSERT_EQ(TSXSetDoNamespaces(doc.Id(), 0, &support::kOn), 0);
   ASSERT_EQ(
-      support::Load(
-          doc.Id(),
-          "<!DOCTYPE p:root PUBLIC 'public' '/dev/null' [<!NOTATION note PUBLIC 'public' 'system'>"
-          "<!ENTITY ent PUBLIC 'public' 'system' NDATA note>]>"
-          "<p:root xmlns:p='urn:name' attr='value'>caf\xc3\xa9<?target data?></p:root>"),
+      support::Load(doc.Id(),
+                    "<!DOCTYPE p:root PUBLIC 'public' '/dev/null' [<!NOTATION notation PUBLIC "
+                    "'public' 'system'>"
+                    "<!ENTITY entity PUBLIC 'public' 'system' NDATA notation>]>"
+                    "<p:root xmlns:p='urn:name' attr='value'>caf\xc3\xa9<?target data?></p:root>"),
       0);
-  CText name("ent"), note("note"), encoding("ISO-8859-1"), attribute("attr");
+  CText encoding("ISO-8859-1"), attribute("attr");
   ASSERT_EQ(TSXSetEncoding(doc.Id(), 0, &encoding), 0);
   const TSXRefId root = doc.Root();
-  const TSXRefId attr = support::Attribute(root, "attr");
   const TSXRefId text = support::FirstChild(root);
-  const TSXRefId instruction = support::NextSibling(text);
-  const TSXRefId type = IdOf(TSXGetDocType, doc.Id(), uint64_t{0});
-  const TSXRefId entities = IdOf(TSXGetEntities, type, uint64_t{0});
-  const TSXRefId entity = IdOf(TSXGetNamedItem, entities, &name);
-  const TSXRefId notations = IdOf(TSXGetNotations, type, uint64_t{0});
-  const TSXRefId notation = IdOf(TSXGetNamedItem, notations, &note);
-  TSXNamedNodeMapClose(entities);
-  TSXNamedNodeMapClose(notations);
-  using CGetter = TSXStatus (*)(TSXRefId, uint64_t, HStr*);
-  struct {
-    const char* pName;
-    CGetter getter;
-    TSXRefId node;
-  } const getters[] = {
-      {"TSXGetNodeName", TSXGetNodeName, root},
-      {"TSXGetNamespaceName", TSXGetNamespaceName, root},
-      {"TSXGetBaseName", TSXGetBaseName, root},
-      {"TSXGetTagName", TSXGetTagName, root},
-      {"TSXGetNodeValue", TSXGetNodeValue, text},
-      {"TSXGetCharacterDataData", TSXGetCharacterDataData, text},
-      {"TSXName", TSXName, attr},
-      {"TSXGetAttrValue", TSXGetAttrValue, attr},
-      {"TSXGetTarget", TSXGetTarget, instruction},
-      {"TSXGetData", TSXGetData, instruction},
-      {"TSXGetName", TSXGetName, type},
-      {"TSXGetDocTypePublicID", TSXGetDocTypePublicID, type},
-      {"TSXGetDocTypeSystemID", TSXGetDocTypeSystemID, type},
-      {"TSXGetInternalSubset", TSXGetInternalSubset, type},
-      {"TSXGetNotationPublicID", TSXGetNotationPublicID, notation},
-      {"TSXGetNotationSystemID", TSXGetNotationSystemID, notation},
-      {"TSXGetEntityPublicId", TSXGetEntityPublicId, entity},
-      {"TSXGetEntitySystemId", TSXGetEntitySystemId, entity},
-      {"TSXGetNotationName", TSXGetNotationName, entity},
-      {"TSXGetEncoding", TSXGetEncoding, doc.Id()},
+  const TSXRefId nodes[] = {root,
+                            text,
+                            support::NextSibling(text),
+                            support::Attribute(root, "attr"),
+                            IdOf(TSXGetDocType, doc.Id(), uint64_t{0}),
+                            support::OfType(doc.Id(), TSXGetEntities, "entity"),
+                            support::OfType(doc.Id(), TSXGetNotations, "notation"),
+                            doc.Id()};
+  int swept = 0;
+  // Each with every node that it has a text for.
+  for (const auto getter : {TSXGetNodeName,
+                            TSXGetNamespaceName,
+                            TSXGetBaseName,
+                            TSXGetTagName,
+                            TSXGetNodeValue,
+                            TSXGetCharacterDataData,
+                            TSXName,
+                            TSXGetAttrValue,
+                            TSXGetTarget,
+                            TSXGetData,
+                            TSXGetName,
+                            TSXGetDocTypePublicID,
+                            TSXGetDocTypeSystemID,
+                            TSXGetInternalSubset,
+                            TSXGetNotationPublicID,
+                            TSXGetNotationSystemID,
+                            TSXGetEntityPublicId,
+                            TSXGetEntitySystemId,
+                            TSXGetNotationName,
+                            TSXGetEncoding}) {
+    for (const TSXRefId node : nodes) {
+      CText probe;
+      if (getter(node, 0, &probe) != 0 || probe.IsNull()) continue;
+      const auto get = [&](COuts& outs) { return getter(node, 0, &outs.m_Text); };
+      Sweep({probe.Str().c_str(), Out::kCleared, get, 0, 2});
+      ++swept;
+    }
+  }
+  EXPECT_EQ(swept, 30);
+  const std::pair<Out, std::function<TSXStatus(HStr*)>> others[]{
+      {Out::kCleared, [&](HStr* pText) { return TSXGetAttribute(root, &attribute, pText); }},
+      {Out::kCleared, [&](HStr* pText) { return TSXGetText(root, pText); }},
+      {Out::kCleared, [&](HStr* pText) { return TSXGetSubstringData(text, 0, 4, pText); }},
+      {Out::kKept, [&](HStr* pText) { return TSXGetXML(doc.Id(), pText); }},
+      {Out::kKept, [&](HStr* pText) { return TSXGetXMLPP(doc.Id(), pText); }},
   };
-  std::vector<CRow> rows;
-  for (const auto& row : getters) {
-    rows.push_back({row.pName, Out::kCleared, 0, 2,
-                    [&row](COuts& outs) { return row.getter(row.node, 0, &outs.m_Text); }});
+  for (const auto& row : others) {
+    Sweep({"other", row.first, [&](COuts& outs) { return row.second(&outs.m_Text); }, 0, 2});
   }
-  rows.push_back({"TSXGetAttribute", Out::kCleared, 0, 2,
-                  [&](COuts& outs) { return TSXGetAttribute(root, &attribute, &outs.m_Text); }});
-  rows.push_back({"TSXGetText", Out::kCleared, 0, 2,
-                  [&](COuts& outs) { return TSXGetText(root, &outs.m_Text); }});
-  rows.push_back({"TSXGetSubstringData", Out::kCleared, 0, 2,
-                  [&](COuts& outs) { return TSXGetSubstringData(text, 0, 4, &outs.m_Text); }});
-  for (const auto write : {TSXGetXML, TSXGetXMLPP}) {
-    rows.push_back({"TSXGetXML", Out::kKept, 0, 2,
-                    [&doc, write](COuts& outs) { return write(doc.Id(), &outs.m_Text); }});
-  }
-  Sweep(rows);
 }
 
 TEST_F(Refusals, ArraysAreNullAndOweNoIds) {
@@ -209,64 +184,62 @@ TEST_F(Refusals, ArraysAreNullAndOweNoIds) {
   const TSXRefId root = doc.Root();
   const TSXRefId list = IdOf(TSXGetChildNodeList, root, uint64_t{0});
   const TSXRefId map = IdOf(TSXGetAttributes, support::FirstChild(root), uint64_t{0});
-  const std::vector<CRow> rows{
-      {"children", Out::kNoArray, 0, 0,
-       [&](COuts& outs) { return TSXGetChildNodes(root, 0, &outs.m_Ids); }},
-      {"by name", Out::kNoArray, 0, 0,
-       [&](COuts& outs) { return TSXGetElementsByTagName(doc.Id(), &a, &outs.m_Ids); }},
-      {"by namespace", Out::kNoArray, 0, 0,
-       [&](COuts& outs) {
-         return TSXGetElementsByTagNameNSArray(doc.Id(), &any, &any, &outs.m_Ids);
-       }},
-      {"below by name", Out::kNoArray, 0, 0,
-       [&](COuts& outs) { return TSXElementGetElementsByTagNameArray(root, &a, &outs.m_Ids); }},
-      {"below by namespace", Out::kNoArray, 0, 0,
-       [&](COuts& outs) {
-         return TSXElementGetElementsByTagNameNSArray(root, &any, &any, &outs.m_Ids);
-       }},
-      {"list", Out::kNoArray, 0, 0,
-       [&](COuts& outs) { return TSXGetNodeListArray(list, 0, &outs.m_Ids); }},
-      {"map", Out::kNoArray, 0, 0, [&](COuts& outs) { return TSXGetArray(map, 0, &outs.m_Ids); }},
-      {"XPath", Out::kNoArray, 0, 0,
-       [&](COuts& outs) {
-         return XPathEvaluateContextToNodeArray(root, &path, &outs.m_Ids, &outs.m_Text);
+  const std::pair<const char*, std::function<TSXStatus(CIds&)>> rows[]{
+      {"children", [&](CIds& ids) { return TSXGetChildNodes(root, 0, &ids); }},
+      {"by name", [&](CIds& ids) { return TSXGetElementsByTagName(doc.Id(), &a, &ids); }},
+      {"by namespace",
+       [&](CIds& ids) { return TSXGetElementsByTagNameNSArray(doc.Id(), &any, &any, &ids); }},
+      {"below by name",
+       [&](CIds& ids) { return TSXElementGetElementsByTagNameArray(root, &a, &ids); }},
+      {"below by namespace",
+       [&](CIds& ids) { return TSXElementGetElementsByTagNameNSArray(root, &any, &any, &ids); }},
+      {"list", [&](CIds& ids) { return TSXGetNodeListArray(list, 0, &ids); }},
+      {"map", [&](CIds& ids) { return TSXGetArray(map, 0, &ids); }},
+      {"XPath",
+       [&](CIds& ids) {
+         CText message;
+         return XPathEvaluateContextToNodeArray(root, &path, &ids, &message);
        }},
   };
-  Sweep(rows);
+  for (const auto& row : rows) {
+    Sweep({row.first, Out::kNoArray, [&](COuts& outs) { return row.second(outs.m_Ids); }});
+  }
   TSXNodeListClose(list);
   TSXNamedNodeMapClose(map);
 }
 
 TEST_F(Refusals, LoadsAndSavesKeepTheirStatus) {
   CDoc doc, target("<r><e/></r>"), cdata("<r/>");
-  const int32_t always = 1;
-  ASSERT_EQ(TSXSetValidateOnLoad(doc.Id(), 0, &always), 0);
+  ASSERT_EQ(TSXSetValidateOnLoad(doc.Id(), 0, &support::kAlways), 0);
   CText bad("<!DOCTYPE r [<!ELEMENT r ANY>]><r><a/><b></r>");
   CPath path("refused.xml"), badPath("bad.xml");
   badPath.Write("<r><a/><b></r>");
   const TSXRefId element = support::FirstChild(target.Root());
   CText data("a]]>b"), expression("//[");
   ASSERT_EQ(TSXAppendChild(cdata.Root(), IdOf(TSXCreateCDATASection, cdata.Id(), &data)), 0);
-  const std::vector<CRow> rows{
-      {"malformed text", Out::kMessage, domErrParse, domErrParse,
-       [&](COuts& outs) { return TSXLoadString(doc.Id(), &bad, &outs.m_Text, &outs.m_Exception); }},
-      {"malformed element", Out::kMessage, domErrParse, domErrParse,
-       [&](COuts& outs) {
-         return TSXElementSetXML(element, &bad, &outs.m_Text, &outs.m_Exception);
-       }},
-      {"save that fails", Out::kMessage, domErrSaveFile, domErrSaveFile,
-       [&](COuts& outs) { return TSXSaveFile(cdata.Id(), path.Get(), &outs.m_Text); }, true},
-      {"malformed file", Out::kMessage, domErrParse, domErrParse,
-       [&](COuts& outs) {
-         return TSXLoadFile(doc.Id(), badPath.Get(), &outs.m_Text, &outs.m_Exception);
-       },
-       true},
-      {"XPath message", Out::kMessage, domErrXPathParse, domErrXPathParse,
-       [&](COuts& outs) {
-         return XPathEvaluateContextToNode(doc.Id(), &expression, &outs.m_Id, &outs.m_Text);
+  struct {
+    const char* pName;
+    TSXStatus status;
+    bool needsPath;
+    std::function<TSXStatus(COuts&)> call;
+  } const rows[]{
+      {"text", domErrParse, false,
+       [&](COuts& o) { return TSXLoadString(doc.Id(), &bad, &o.m_Text, &o.m_Exception); }},
+      {"element", domErrParse, false,
+       [&](COuts& o) { return TSXElementSetXML(element, &bad, &o.m_Text, &o.m_Exception); }},
+      {"file", domErrParse, true,
+       [&](COuts& o) { return TSXLoadFile(doc.Id(), badPath.Get(), &o.m_Text, &o.m_Exception); }},
+      {"save", domErrSaveFile, true,
+       [&](COuts& o) { return TSXSaveFile(cdata.Id(), path.Get(), &o.m_Text); }},
+      {"XPath", domErrXPathParse, false,
+       [&](COuts& o) {
+         return XPathEvaluateContextToNode(doc.Id(), &expression, &o.m_Id, &o.m_Text);
        }},
   };
-  Sweep(rows);
+  for (const auto& row : rows) {
+    Sweep({row.pName, Out::kMessage, row.call, row.status, row.status, row.needsPath});
+  }
+  StandinDisposePointers();
 }
 
 // -- Disks ----------------------------------------------------------------------
@@ -324,12 +297,6 @@ class Disk : public support::CLedgerTest {
     }
   }
 
-  static std::string Wide(size_t size) {
-    std::string xml = "<r>";
-    while (xml.size() < size) xml += "<a>text</a>";
-    return xml + "</r>";
-  }
-
  private:
   CPath m_Folder{"disk"};
   bool m_Mounted = false;
@@ -339,7 +306,7 @@ class Disk : public support::CLedgerTest {
 TEST_F(Disk, AFullDiskIsAFailedSaveAndKeepsAPrefix) {
   for (const size_t size : {kSize / 2, 4 * kSize}) {
     SCOPED_TRACE(size);
-    CDoc doc(Wide(size));
+    CDoc doc("<r>" + support::Repeated("<a>text</a>", static_cast<int>(size / 10)) + "</r>");
     CPath filler(On("filler")), path(On("doc.xml"));
     path.Write("<old/>");
     filler.Write(std::string(kSize, 'x'));
@@ -350,9 +317,7 @@ TEST_F(Disk, AFullDiskIsAFailedSaveAndKeepsAPrefix) {
     filler.Write("");
     CText errorText;
     EXPECT_EQ(TSXSaveFile(doc.Id(), path.Get(), &errorText), size < kSize ? 0 : domErrSaveFile);
-    if (size < kSize) {
-      EXPECT_EQ(path.Read(), doc.Xml());
-    }
+    EXPECT_EQ(path.Read() == doc.Xml(), size < kSize);
   }
 }
 
@@ -361,31 +326,17 @@ TEST_F(Disk, WhatCannotBeOpenedStaysAsItIs) {
   CPath file(On("file.xml")), folder(On("folder")), none(On("none/file.xml"));
   file.Write("<old/>");
   std::filesystem::create_directory(folder.Name());
-  ExpectFailure(doc.Id(), folder);
-  ExpectFailure(doc.Id(), none);
   ASSERT_EQ(Mount(MS_REMOUNT | MS_RDONLY), 0);
-  ExpectFailure(doc.Id(), file);
+  for (const CPath* pPath : {&file, &folder, &none}) ExpectFailure(doc.Id(), *pPath);
   EXPECT_EQ(file.Read(), "<old/>");
   ASSERT_EQ(Mount(MS_REMOUNT), 0);
-  CText errorText;
-  EXPECT_EQ(TSXSaveFile(doc.Id(), file.Get(), &errorText), 0);
+  for (const CPath* pPath : {&folder, &none}) ExpectFailure(doc.Id(), *pPath);
 }
 
 // -- Files that change ------------------------------------------------------------
 
-TSXStatus LoadFile(const CDoc& doc, const CPath& path, std::string* pErrors = nullptr) {
-  CText errors, exception;
-  const TSXStatus status = TSXLoadFile(doc.Id(), path.Get(), &errors, &exception);
-  if (pErrors != nullptr) *pErrors = errors.Str();
-  EXPECT_TRUE(exception.IsNull());
-  return status;
-}
-
-using xercesc::FileHandle;
-using xercesc::MemoryManager;
-
 // The XML library's way to files, with something that happens at the second read.
-class CMeddling final : public xercesc::XMLFileMgr {
+class CMeddling final : public xercesc::PosixFileMgr {
  public:
   explicit CMeddling(std::function<void()> meddle)
       : m_pReal(xercesc::XMLPlatformUtils::fgFileMgr), m_Meddle(std::move(meddle)) {
@@ -393,45 +344,12 @@ class CMeddling final : public xercesc::XMLFileMgr {
   }
   ~CMeddling() override { xercesc::XMLPlatformUtils::fgFileMgr = m_pReal; }
 
-  XMLSize_t fileRead(FileHandle file, XMLSize_t most, XMLByte* pBytes,
-                     MemoryManager* pMemory) override {
+  XMLSize_t fileRead(xercesc::FileHandle file, XMLSize_t most, XMLByte* pBytes,
+                     xercesc::MemoryManager* pMemory) override {
     if (++m_Reads == 2) m_Meddle();
-    return m_pReal->fileRead(file, most, pBytes, pMemory);
+    return PosixFileMgr::fileRead(file, most, pBytes, pMemory);
   }
   int Reads() const { return m_Reads; }
-
-  FileHandle fileOpen(const XMLCh* pPath, bool toWrite, MemoryManager* pMemory) override {
-    return m_pReal->fileOpen(pPath, toWrite, pMemory);
-  }
-  FileHandle fileOpen(const char* pPath, bool toWrite, MemoryManager* pMemory) override {
-    return m_pReal->fileOpen(pPath, toWrite, pMemory);
-  }
-  FileHandle openStdIn(MemoryManager* pMemory) override { return m_pReal->openStdIn(pMemory); }
-  void fileClose(FileHandle file, MemoryManager* pMemory) override {
-    m_pReal->fileClose(file, pMemory);
-  }
-  void fileReset(FileHandle file, MemoryManager* pMemory) override {
-    m_pReal->fileReset(file, pMemory);
-  }
-  XMLFilePos curPos(FileHandle file, MemoryManager* pMemory) override {
-    return m_pReal->curPos(file, pMemory);
-  }
-  XMLFilePos fileSize(FileHandle file, MemoryManager* pMemory) override {
-    return m_pReal->fileSize(file, pMemory);
-  }
-  void fileWrite(FileHandle file, XMLSize_t count, const XMLByte* pBytes,
-                 MemoryManager* pMemory) override {
-    m_pReal->fileWrite(file, count, pBytes, pMemory);
-  }
-  XMLCh* getFullPath(const XMLCh* pPath, MemoryManager* pMemory) override {
-    return m_pReal->getFullPath(pPath, pMemory);
-  }
-  XMLCh* getCurrentDirectory(MemoryManager* pMemory) override {
-    return m_pReal->getCurrentDirectory(pMemory);
-  }
-  bool isRelative(const XMLCh* pPath, MemoryManager* pMemory) override {
-    return m_pReal->isRelative(pPath, pMemory);
-  }
 
  private:
   xercesc::XMLFileMgr* m_pReal;
@@ -443,49 +361,46 @@ class Changing : public support::CLedgerTest {};
 
 TEST_F(Changing, FilesThatChangeWhileTheyAreReadAnswer) {
   CPath path("changing.xml"), other("other.xml");
-  const std::string whole = "<r>" + std::string(300'000, 'x') + "</r>";
   const auto append = [&](const char* pText) {
     std::ofstream(path.Name(), std::ios::app) << pText;
   };
   struct {
     const char* pName;
-    std::function<void()> meddle;
     const char* pMessage;  // null for a load that goes well
+    std::function<void()> meddle;
   } const rows[] = {
-      {"is removed", [&] { std::filesystem::remove(path.Name()); }, nullptr},
-      {"is replaced",
+      {"is removed", nullptr, [&] { std::filesystem::remove(path.Name()); }},
+      {"is replaced", nullptr,
        [&] {
          other.Write("<other/>");
          std::filesystem::rename(other.Name(), path.Name());
-       },
-       nullptr},
-      {"is cut", [&] { std::filesystem::resize_file(path.Name(), 1000); }, "ended before"},
-      {"is emptied", [&] { path.Write(""); }, "ended before"},
-      {"grows by a comment", [&] { append("<!-- more -->"); }, nullptr},
-      {"grows by an element", [&] { append("<more/>"); },
-       "comment or processing instruction expected"},
-      {"cannot be read",
+       }},
+      {"is cut", "ended before", [&] { std::filesystem::resize_file(path.Name(), 1000); }},
+      {"is emptied", "ended before", [&] { path.Write(""); }},
+      {"grows by a comment", nullptr, [&] { append("<!-- more -->"); }},
+      {"grows by an element", "comment or processing instruction expected",
+       [&] { append("<more/>"); }},
+      {"cannot be read", "unable to read data from file",
        [&] {
          throw xercesc::IOException(__FILE__, __LINE__,
                                     xercesc::XMLExcepts::File_CouldNotReadFromFile);
-       },
-       "unable to read data from file"},
+       }},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.pName);
-    path.Write(whole);
+    path.Write("<r>" + std::string(300'000, 'x') + "</r>");
     CDoc doc("<old/>");
     std::string errors;
     {
       const CMeddling meddling(row.meddle);
-      EXPECT_EQ(LoadFile(doc, path, &errors), row.pMessage == nullptr ? 0 : domErrParse);
+      EXPECT_EQ(LoadFile(doc.Id(), path.Get(), &errors), row.pMessage == nullptr ? 0 : domErrParse);
       EXPECT_GE(meddling.Reads(), 2);
     }
     EXPECT_NE(errors.find(row.pMessage == nullptr ? "" : row.pMessage), std::string::npos)
         << errors;
     EXPECT_EQ(support::Name(doc.Root()), "r") << "what was read before";
     path.Write("<again/>");
-    EXPECT_EQ(LoadFile(doc, path), 0);
+    EXPECT_EQ(LoadFile(doc.Id(), path.Get()), 0);
   }
 }
 
@@ -494,17 +409,13 @@ TEST_F(Changing, ADocumentIsSavedToTheFileItCameFrom) {
   path.Write("<r><a>" + std::string(200'000, 'x') + "</a><b/></r>");
   CDoc doc;
   for (const auto save : {TSXSaveFile, TSXSaveFilePP, TSXSaveFile}) {
-    ASSERT_EQ(LoadFile(doc, path), 0);
-    const TSXRefId root = doc.Root();
-    ASSERT_EQ(TSXAppendChild(root, support::Create(doc.Id(), "more")), 0);
+    ASSERT_EQ(LoadFile(doc.Id(), path.Get()), 0);
+    ASSERT_EQ(TSXAppendChild(doc.Root(), support::Create(doc.Id(), "more")), 0);
     CText errorText;
     ASSERT_EQ(save(doc.Id(), path.Get(), &errorText), 0);
   }
   EXPECT_EQ(path.Read(), doc.Xml());
-  CText more("more");
-  CIds added;
-  EXPECT_EQ(TSXGetElementsByTagName(doc.Id(), &more, &added), 0);
-  EXPECT_EQ(added.Get().size(), 3u);
+  EXPECT_TRUE(doc.Xml().ends_with("<more/></r>")) << "the last of three";
 }
 
 }  // namespace

@@ -40,4 +40,12 @@ class CPath {
   HostPath m_Path;
 };
 
+inline TSXStatus LoadFile(TSXRefId document, HostPath path, std::string* pErrors = nullptr) {
+  CText errors, exception;
+  const TSXStatus status = TSXLoadFile(document, path, &errors, &exception);
+  if (pErrors != nullptr) *pErrors = errors.Str();
+  EXPECT_TRUE(exception.IsNull()) << exception.Str();
+  return status;
+}
+
 }  // namespace support

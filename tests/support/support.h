@@ -147,6 +147,20 @@ inline TSXRefId Attribute(TSXRefId element, std::string_view name) {
   return IdOf(TSXGetAttributeNode, element, &text);
 }
 
+// An entity or a notation, by the getter of the map that holds it.
+inline TSXRefId OfType(TSXRefId document, decltype(&TSXGetEntities) getMap, std::string_view name) {
+  CText text(name);
+  const TSXRefId map = IdOf(getMap, IdOf(TSXGetDocType, document, uint64_t{0}), uint64_t{0});
+  const TSXRefId item = IdOf(TSXGetNamedItem, map, &text);
+  TSXNamedNodeMapClose(map);
+  return item;
+}
+
+// As options take them.
+inline constexpr uint8_t kOn = 1, kOff = 0;
+inline constexpr int32_t kNever = 0, kAlways = 1;
+inline constexpr uint8_t kDeep = 1;
+
 // The ids that name an object, over all registries, and the map's entries.
 inline size_t LiveIds() {
   return g_NodeSessMap.LiveCount() + g_NodeListSessMap.LiveCount() +
