@@ -113,51 +113,35 @@ class Refusals : public support::CLedgerTest {
   }
 };
 
+// clang-format off
+constexpr TSXStatus (*kGetters[])(TSXRefId, uint64_t, HStr*) = {
+    TSXGetNodeName, TSXGetNamespaceName, TSXGetBaseName, TSXGetTagName, TSXGetNodeValue,
+    TSXGetCharacterDataData, TSXName, TSXGetAttrValue, TSXGetTarget, TSXGetData, TSXGetName,
+    TSXGetDocTypePublicID, TSXGetDocTypeSystemID, TSXGetInternalSubset, TSXGetNotationPublicID,
+    TSXGetNotationSystemID, TSXGetEntityPublicId, TSXGetEntitySystemId, TSXGetNotationName,
+    TSXGetEncoding};
+// clang-format on
+
 TEST_F(Refusals, StringsAreClearedAndTheCodeIsTheHosts) {
   CDoc doc;
   ASSERT_EQ(TSXSetDoNamespaces(doc.Id(), 0, &support::kOn), 0);
-  ASSERT_EQ(
-      support::Load(doc.Id(),
-                    "<!DOCTYPE p:root PUBLIC 'public' '/dev/null' [<!NOTATION notation PUBLIC "
-                    "'public' 'system'>"
-                    "<!ENTITY entity PUBLIC 'public' 'system' NDATA notation>]>"
-                    "<p:root xmlns:p='urn:name' attr='value'>caf\xc3\xa9<?target data?></p:root>"),
-      0);
+  const char* pXml =
+      "<!DOCTYPE p:root PUBLIC 'public' '/dev/null' [<!NOTATION notation PUBLIC 'public' 'system'>"
+      "<!ENTITY entity PUBLIC 'public' 'system' NDATA notation>]>"
+      "<p:root xmlns:p='urn:name' attr='value'>caf\xc3\xa9<?target data?></p:root>";
+  ASSERT_EQ(support::Load(doc.Id(), pXml), 0);
   CText encoding("ISO-8859-1"), attribute("attr");
   ASSERT_EQ(TSXSetEncoding(doc.Id(), 0, &encoding), 0);
   const TSXRefId root = doc.Root();
   const TSXRefId text = support::FirstChild(root);
-  const TSXRefId nodes[] = {root,
-                            text,
-                            support::NextSibling(text),
-                            support::Attribute(root, "attr"),
-                            IdOf(TSXGetDocType, doc.Id(), uint64_t{0}),
-                            support::OfType(doc.Id(), TSXGetEntities, "entity"),
-                            support::OfType(doc.Id(), TSXGetNotations, "notation"),
-                            doc.Id()};
+  const TSXRefId type = IdOf(TSXGetDocType, doc.Id(), uint64_t{0});
+  const TSXRefId entity = support::OfType(doc.Id(), TSXGetEntities, "entity");
+  const TSXRefId notation = support::OfType(doc.Id(), TSXGetNotations, "notation");
+  const TSXRefId attr = support::Attribute(root, "attr"), target = support::NextSibling(text);
   int swept = 0;
   // Each with every node that it has a text for.
-  for (const auto getter : {TSXGetNodeName,
-                            TSXGetNamespaceName,
-                            TSXGetBaseName,
-                            TSXGetTagName,
-                            TSXGetNodeValue,
-                            TSXGetCharacterDataData,
-                            TSXName,
-                            TSXGetAttrValue,
-                            TSXGetTarget,
-                            TSXGetData,
-                            TSXGetName,
-                            TSXGetDocTypePublicID,
-                            TSXGetDocTypeSystemID,
-                            TSXGetInternalSubset,
-                            TSXGetNotationPublicID,
-                            TSXGetNotationSystemID,
-                            TSXGetEntityPublicId,
-                            TSXGetEntitySystemId,
-                            TSXGetNotationName,
-                            TSXGetEncoding}) {
-    for (const TSXRefId node : nodes) {
+  for (const auto getter : kGetters) {
+    for (const TSXRefId node : {root, text, target, attr, type, entity, notation, doc.Id()}) {
       CText probe;
       if (getter(node, 0, &probe) != 0 || probe.IsNull()) continue;
       const auto get = [&](COuts& outs) { return getter(node, 0, &outs.m_Text); };

@@ -8,30 +8,22 @@ namespace {
 
 using support::CDoc;
 using support::CPath;
+using support::CPlace;
 using support::CText;
 using support::IdOf;
+using support::LoadFile;
 using support::TextOf;
 
-class Io : public support::CLedgerTest {
- protected:
-  static TSXStatus LoadFile(TSXRefId document, HostPath path, std::string* pErrors = nullptr) {
-    CText errors, exception;
-    const TSXStatus status = TSXLoadFile(document, path, &errors, &exception);
-    if (pErrors != nullptr) *pErrors = errors.Str();
-    EXPECT_TRUE(exception.IsNull());
-    return status;
-  }
-};
+class Io : public support::CLedgerTest {};
 
 TEST_F(Io, LoadReplacesTheTreeAndWithdrawsItsIds) {
   CDoc doc("<r a='1'><x/></r>");
   const TSXRefId root = doc.Root();
-  const TSXRefId x = support::FirstChild(root);
-  const TSXRefId a = support::Attribute(root, "a");
+  const TSXRefId x = support::FirstChild(root), a = support::Attribute(root, "a");
   const TSXRefId loose = support::Create(doc.Id(), "loose");
   ASSERT_EQ(support::Load(doc.Id(), "<s><y/></s>"), 0);
   for (const TSXRefId dead : {root, x, a, loose}) EXPECT_FALSE(support::Resolves(dead));
-  EXPECT_EQ(support::Name(support::FirstChild(doc.Id())), "s");
+  EXPECT_EQ(support::Name(doc.Root()), "s");
   EXPECT_EQ(g_NodeDomMap.EntryCount(), 1u) << "only the document node is left";
 }
 
@@ -39,14 +31,13 @@ TEST_F(Io, LoadReplacesTheTreeAndWithdrawsItsIds) {
 // go with the source's own tree.
 TEST_F(Io, EntriesOfImportedSourcesGoWithTheirTree) {
   CDoc target("<t/>");
-  const uint8_t deep = 1;
   {
     CDoc source("<s/>");
-    IdOf(TSXImportNode, target.Id(), source.Root(), &deep);
+    IdOf(TSXImportNode, target.Id(), source.Root(), &support::kDeep);
     EXPECT_EQ(g_NodeDomMap.EntryCount(), 3u);
     EXPECT_EQ(support::Load(source.Id(), "<again/>"), 0);
     EXPECT_EQ(g_NodeDomMap.EntryCount(), 2u);
-    IdOf(TSXImportNode, target.Id(), source.Root(), &deep);
+    IdOf(TSXImportNode, target.Id(), source.Root(), &support::kDeep);
   }
   EXPECT_EQ(g_NodeDomMap.EntryCount(), 1u);
 }
@@ -69,7 +60,6 @@ TEST_F(Io, StringErrorsAreReportedOnceAndThenCleared) {
 }
 
 TEST_F(Io, FilesInThreeEncodingsComeBackAsTheyWere) {
-  const std::string latin1 = "<?xml version='1.0' encoding='ISO-8859-1'?><r>caf\xe9</r>";
   std::string utf16 = "\xff\xfe";
   for (const char c : std::string("<?xml version='1.0' encoding='UTF-16'?><r>caf\xe9</r>")) {
     utf16 += {c, '\0'};
@@ -78,7 +68,7 @@ TEST_F(Io, FilesInThreeEncodingsComeBackAsTheyWere) {
     std::string bytes, encoding, written;
   } const rows[] = {
       {"<?xml version='1.0' encoding='UTF-8'?><r>caf\xc3\xa9</r>", "UTF-8", "caf\xc3\xa9</r>"},
-      {latin1, "ISO-8859-1", "caf\xe9</r>"},
+      {"<?xml version='1.0' encoding='ISO-8859-1'?><r>caf\xe9</r>", "ISO-8859-1", "caf\xe9</r>"},
       {utf16, "UTF-16", std::string("c\0a\0f\0\xe9\0<\0/\0r\0>\0", 16)},
       {"<r>caf\xc3\xa9</r>", "", "caf\xc3\xa9</r>"},
   };
@@ -101,45 +91,35 @@ TEST_F(Io, FilesInThreeEncodingsComeBackAsTheyWere) {
 
 TEST_F(Io, FilesThatCannotBeReadLeaveTheOldTree) {
   CDoc doc("<old/>");
-  for (const std::string& name :
-       {::testing::TempDir() + "no_such_file", std::string(::testing::TempDir())}) {
-    HostPath path = StandinPathFromText(name.c_str());
+  CPath missing("missing");
+  for (const char* pName : {missing.Name().c_str(), "/"}) {
     std::string errors;
-    EXPECT_EQ(LoadFile(doc.Id(), path, &errors), domErrParse);
+    EXPECT_EQ(LoadFile(doc.Id(), CPlace(pName).Get(), &errors), domErrParse);
     EXPECT_TRUE(errors.starts_with("Line 0, Column 0,  Message: unable to ")) << errors;
     EXPECT_EQ(support::Name(doc.Root()), "old");
-    StandinPathDispose(path);
   }
-  HostPath empty = StandinPathFromText("");
   CText errorText("untouched");
-  for (HostPath path : {empty, HostPath{}}) {
+  const CPlace empty("");
+  for (HostPath path : {empty.Get(), HostPath{}}) {
     EXPECT_EQ(LoadFile(doc.Id(), path), domErrPathLoadFile);
     EXPECT_EQ(TSXSaveFile(doc.Id(), path, &errorText), domErrPathSaveFile);
     EXPECT_EQ(errorText.Str(), "untouched");
   }
-  StandinPathDispose(empty);
 }
 
 TEST_F(Io, WritesNodesAlone) {
   CDoc doc("<?xml version='1.0' encoding='ISO-8859-1'?><!--c--><r><a>\xe9</a><b/></r>");
-  const TSXRefId a = support::FirstChild(doc.Root());
-  EXPECT_EQ(TextOf(TSXGetXML, a), "<a>\xe9</a>") << "in the document's encoding";
+  const TSXRefId root = doc.Root(), bare = support::Parent(root);
+  EXPECT_EQ(TextOf(TSXGetXML, support::FirstChild(root)), "<a>\xe9</a>") << "as the document says";
   EXPECT_EQ(TextOf(TSXGetXML, support::FirstChild(doc.Id())), "<!--c-->");
-  const TSXRefId bare = support::Parent(doc.Root());
   EXPECT_EQ(TextOf(TSXGetXML, bare), doc.Xml());
+  EXPECT_EQ(TextOf(TSXGetXMLPP, root), "\n<r>\n\n  <a>\xe9</a>\n\n  <b/>\n\n</r>");
   TSXNodeClose(bare);
-  const std::string pretty = TextOf(TSXGetXMLPP, doc.Root());
-  EXPECT_EQ(pretty, "\n<r>\n\n  <a>\xe9</a>\n\n  <b/>\n\n</r>");
-}
-
-// At the sizes where the memory that is written to grows.
-TEST_F(Io, WritesTextsOfEverySize) {
-  for (const size_t size :
-       {0u, 1015u, 1016u, 1017u, 1018u, 2045u, 2046u, 2047u, 100000u, 5000000u}) {
-    std::string xml = "<r>" + std::string(size, 'x') + "</r>";
-    if (size == 0) xml = "<r/>";
-    const CDoc doc(xml);
-    EXPECT_TRUE(TextOf(TSXGetXML, doc.Root()) == xml) << size;
+  // At the sizes where the memory that is written to grows.
+  for (const size_t size : {1015u, 1016u, 1017u, 1018u, 2045u, 2046u, 2047u, 5000000u}) {
+    const std::string xml = "<r>" + std::string(size, 'x') + "</r>";
+    const CDoc large(xml);
+    EXPECT_TRUE(TextOf(TSXGetXML, large.Root()) == xml) << size;
   }
 }
 
@@ -169,68 +149,36 @@ TEST_F(Io, EncodingNamesAreCheckedByTheirForm) {
 }
 
 TEST_F(Io, EveryFailedSaveLeavesTheSameText) {
-  CDoc doc("<r/>");
-  HostPath nowhere = StandinPathFromText("/no/such/folder/file.xml");
-  CText errorText;
-  EXPECT_EQ(TSXSaveFilePP(doc.Id(), nowhere, &errorText), domErrSaveFile);
-  EXPECT_EQ(errorText.Str(), "Failed to write file");
-  StandinPathDispose(nowhere);
+  CDoc plain("<r>text</r>"), doc("<r/>");
   // The writer warns of "]]>" inside a CDATA section, and the reporter stops it.
   CText data("a]]>b");
-  const TSXRefId section = IdOf(TSXCreateCDATASection, doc.Id(), &data);
-  ASSERT_EQ(TSXAppendChild(doc.Root(), section), 0);
+  ASSERT_EQ(TSXAppendChild(doc.Root(), IdOf(TSXCreateCDATASection, doc.Id(), &data)), 0);
   CPath path("cdata.xml");
-  CText second;
-  EXPECT_EQ(TSXSaveFile(doc.Id(), path.Get(), &second), domErrSaveFile);
-  EXPECT_EQ(second.Str(), "Failed to write file");
-  EXPECT_TRUE(path.Read().ends_with("<r>")) << path.Read();
-  // A full disk shows only when the target flushes.
-  if (std::filesystem::exists("/dev/full")) {
-    CDoc plain("<r>text</r>");
-    HostPath full = StandinPathFromText("/dev/full");
-    CText third;
-    EXPECT_EQ(TSXSaveFile(plain.Id(), full, &third), domErrSaveFile);
-    EXPECT_EQ(third.Str(), "Failed to write file");
-    StandinPathDispose(full);
+  const std::pair<const CDoc*, const char*> rows[] = {
+      {&doc, path.Name().c_str()},
+      {&plain, "/no/such/folder/file.xml"},
+      {&plain, "/dev/full"},  // shows only when the target flushes
+  };
+  for (const auto& [pDoc, pName] : rows) {
+    for (const auto save : {TSXSaveFile, TSXSaveFilePP}) {
+      CText errorText;
+      EXPECT_EQ(save(pDoc->Id(), CPlace(pName).Get(), &errorText), domErrSaveFile) << pName;
+      EXPECT_EQ(errorText.Str(), "Failed to write file");
+    }
   }
-  StandinDisposePointers();
+  EXPECT_TRUE(path.Read().ends_with("<r>")) << path.Read();
 }
 
-TEST_F(Io, RefusedNativePathsAreHostCodeTwo) {
-  CDoc doc("<old/>");
-  CPath path("native.xml");
-  path.Write("<new/>");
-  CText errors, exception;
-  StandinFailAllocation(1);
-  EXPECT_EQ(TSXLoadFile(doc.Id(), path.Get(), &errors, &exception), 2);
-  StandinFailAllocation(1);
-  EXPECT_EQ(TSXSaveFile(doc.Id(), path.Get(), &errors), 2);
-  StandinFailAllocation(0);
-  EXPECT_EQ(path.Read(), "<new/>");
-  EXPECT_EQ(support::Name(doc.Root()), "old");
-  EXPECT_EQ(LoadFile(doc.Id(), path.Get()), 0) << "the lock was released";
-}
-
-TEST_F(Io, WideAndDeepTrees) {
-  std::string wide = "<r>", deep;
-  for (int i = 0; i < 100000; ++i) wide += "<a/>";
-  CDoc doc(wide + "</r>");
+TEST_F(Io, WideTrees) {
+  constexpr int kChildren = 100000;
+  CDoc doc("<r>" + support::Repeated("<a/>", kChildren) + "</r>");
   int count = 0;
   for (TSXRefId id = support::FirstChild(doc.Root()); id != 0; ++count) {
     const TSXRefId next = support::NextSibling(id);
     TSXNodeClose(id);
     id = next;
   }
-  EXPECT_EQ(count, 100000);
-  constexpr int kDepth = 10000;
-  for (int i = 0; i < kDepth; ++i) deep += "<d>";
-  for (int i = 0; i < kDepth; ++i) deep += "</d>";
-  ASSERT_EQ(support::Load(doc.Id(), deep), 0);
-  TSXRefId id = doc.Root();
-  int depth = 0;
-  for (; id != 0; ++depth) id = support::FirstChild(id);
-  EXPECT_EQ(depth, kDepth);
-  EXPECT_EQ(doc.Xml().size(), doc.Xml().find("<d>") + 7u * kDepth - 3u) << "the innermost is empty";
+  EXPECT_EQ(count, kChildren);
 }
 
 // A sanitizer is slow, but counts every byte: it needs fewer turns. The document keeps

@@ -10,24 +10,37 @@
 
 namespace support {
 
-// A host path to a file, which goes with it. A name alone is one in the folder for
-// temporary files.
+// A host path, whatever is there.
+class CPlace {
+ public:
+  explicit CPlace(const std::string& name) : m_Path(StandinPathFromText(name.c_str())) {}
+  ~CPlace() { StandinPathDispose(m_Path); }
+  CPlace(const CPlace&) = delete;
+  CPlace& operator=(const CPlace&) = delete;
+
+  HostPath Get() const { return m_Path; }
+
+ private:
+  HostPath m_Path;
+};
+
+// A host path to a file or an empty folder, which goes with it. A name alone is one in
+// the folder for temporary files.
 class CPath {
  public:
   explicit CPath(const std::string& name)
       : m_Name(name.starts_with('/')
                    ? name
                    : ::testing::TempDir() + "tessel_" + std::to_string(getpid()) + "_" + name),
-        m_Path(StandinPathFromText(m_Name.c_str())) {}
+        m_Place(m_Name) {}
   ~CPath() {
-    StandinPathDispose(m_Path);
     std::error_code ignored;
     std::filesystem::remove(m_Name, ignored);
   }
   CPath(const CPath&) = delete;
   CPath& operator=(const CPath&) = delete;
 
-  HostPath Get() const { return m_Path; }
+  HostPath Get() const { return m_Place.Get(); }
   const std::string& Name() const { return m_Name; }
   void Write(std::string_view bytes) const { std::ofstream(m_Name, std::ios::binary) << bytes; }
   std::string Read() const {
@@ -37,7 +50,7 @@ class CPath {
 
  private:
   std::string m_Name;
-  HostPath m_Path;
+  CPlace m_Place;
 };
 
 inline TSXStatus LoadFile(TSXRefId document, HostPath path, std::string* pErrors = nullptr) {

@@ -150,9 +150,11 @@ inline TSXRefId Attribute(TSXRefId element, std::string_view name) {
 // An entity or a notation, by the getter of the map that holds it.
 inline TSXRefId OfType(TSXRefId document, decltype(&TSXGetEntities) getMap, std::string_view name) {
   CText text(name);
-  const TSXRefId map = IdOf(getMap, IdOf(TSXGetDocType, document, uint64_t{0}), uint64_t{0});
+  const TSXRefId type = IdOf(TSXGetDocType, document, uint64_t{0});
+  const TSXRefId map = IdOf(getMap, type, uint64_t{0});
   const TSXRefId item = IdOf(TSXGetNamedItem, map, &text);
   TSXNamedNodeMapClose(map);
+  TSXNodeClose(type);
   return item;
 }
 
