@@ -7,8 +7,6 @@ using support::CDoc;
 using support::CText;
 using support::TextOf;
 
-constexpr std::string_view kXsi = "xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'";
-
 struct CFlag {
   const char* pName;
   decltype(&TSXSetDoSchema) set;
@@ -159,36 +157,34 @@ TEST_F(Options, ValidationAgainstADtdDependsOnTheScheme) {
 }
 
 TEST_F(Options, SchemasAreFoundFromTheInstance) {
-  const auto schema = [](std::string_view target, std::string_view content) {
-    return "<s:schema xmlns:s='http://www.w3.org/2001/XMLSchema' " + std::string(target) +
-           "><s:element name='r'><s:complexType><s:sequence>" + std::string(content) +
-           "</s:sequence></s:complexType></s:element></s:schema>";
+  const auto writeSchema = [&](const char* pFile, const char* pTarget, const std::string& content) {
+    Write(pFile, "<s:schema xmlns:s='http://www.w3.org/2001/XMLSchema' " + std::string(pTarget) +
+                     "><s:element name='r'><s:complexType><s:sequence>" + content +
+                     "</s:sequence></s:complexType></s:element></s:schema>");
   };
-  const std::string_view n = "<s:element name='n' type='s:int'/>";
-  const std::string_view optional = "<s:element name='n' type='s:int' minOccurs='0'/>";
-  Write("plain.xsd", schema("", n));
-  Write("target.xsd", schema("targetNamespace='urn:t' elementFormDefault='qualified'", n));
+  const std::string n = "<s:element name='n' type='s:int'/>";
+  const std::string optional = "<s:element name='n' type='s:int' minOccurs='0'/>";
+  writeSchema("plain.xsd", "", n);
+  writeSchema("target.xsd", "targetNamespace='urn:t' elementFormDefault='qualified'", n);
   // Which of the two takes a single n is undecided: a costly rule forbids that.
-  Write("unclear.xsd", schema("", std::string(optional) + std::string(optional)));
-  const auto instance = [](std::string_view file, std::string_view content) {
-    return "<r " + std::string(kXsi) + " xsi:noNamespaceSchemaLocation='" + std::string(file) +
-           "'>\n" + std::string(content) + "</r>";
+  writeSchema("unclear.xsd", "", optional + optional);
+  const std::string start = "<r xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' ";
+  const auto instance = [&](const char* pFile) {
+    return start + "xsi:noNamespaceSchemaLocation='" + pFile + "'>\n";
   };
-  const auto targeted = [](std::string_view content) {
-    return "<r xmlns='urn:t' " + std::string(kXsi) + "\n xsi:schemaLocation='urn:t target.xsd'>\n" +
-           std::string(content) + "</r>";
-  };
-  const std::string good = "<n>1</n>", bad = "<n>one</n>\n<m/>";
+  const std::string plain = instance("plain.xsd"), unclear = instance("unclear.xsd");
+  const std::string targeted = start + "xmlns='urn:t'\n xsi:schemaLocation='urn:t target.xsd'>\n";
+  const std::string good = "<n>1</n></r>", bad = "<n>one</n>\n<m/></r>";
   // The lines that `bad` gives where it begins in the line of that number.
   const auto lines = [](int first) {
-    const std::string n1 = std::to_string(first), m = "Line " + std::to_string(first + 1);
-    return "Line " + n1 +
+    const std::string m = "Line " + std::to_string(first + 1);
+    return "Line " + std::to_string(first) +
            ", Column 11,  Message: value 'one' does not match regular expression "
            "facet '[+\\-]?[0-9]+'\r\n" +
            m + ", Column 5,  Message: no declaration found for element 'm'\r\n" + m +
            ", Column 9,  Message: element 'm' is not allowed for content model '(n)'\r\n";
   };
-  const std::string unclear =
+  const std::string refused =
       "Line 1, Column 102,  Message: complex type '__AnonC0' violates the unique particle "
       "attribution rule in its components 'n' and 'n'\r\n";
   struct {
@@ -197,20 +193,20 @@ TEST_F(Options, SchemasAreFoundFromTheInstance) {
     int32_t scheme;
     std::string lines;
   } const rows[] = {
-      {instance("plain.xsd", good), 1, 1, 1, 1, ""},
-      {instance("plain.xsd", bad), 1, 1, 0, 1, lines(2)},
-      {instance("plain.xsd", bad), 1, 1, 0, 2, lines(2)},
-      {instance("plain.xsd", bad), 1, 1, 0, 0, ""},
-      {instance("plain.xsd", bad), 1, 0, 0, 2, ""},
-      {instance("plain.xsd", bad), 0, 1, 0, 2, ""},
-      {targeted(good), 1, 1, 1, 2, ""},
-      {targeted(bad), 1, 1, 0, 1, lines(3)},
-      {targeted(bad), 1, 1, 0, 2, lines(3)},
-      {instance("unclear.xsd", good), 1, 1, 0, 1, ""},
-      {instance("unclear.xsd", good), 1, 1, 1, 1, unclear},
-      {instance("unclear.xsd", good), 1, 1, 1, 0, ""},
+      {plain + good, 1, 1, 1, 1, ""},
+      {plain + bad, 1, 1, 0, 1, lines(2)},
+      {plain + bad, 1, 1, 0, 2, lines(2)},
+      {plain + bad, 1, 1, 0, 0, ""},
+      {plain + bad, 1, 0, 0, 2, ""},
+      {plain + bad, 0, 1, 0, 2, ""},
+      {targeted + good, 1, 1, 1, 2, ""},
+      {targeted + bad, 1, 1, 0, 1, lines(3)},
+      {targeted + bad, 1, 1, 0, 2, lines(3)},
+      {unclear + good, 1, 1, 0, 1, ""},
+      {unclear + good, 1, 1, 1, 1, refused},
+      {unclear + good, 1, 1, 1, 0, ""},
       // That it is missing is a warning, and without grammar scheme 2 asks nothing.
-      {instance("missing.xsd", bad), 1, 1, 0, 2, ""},
+      {instance("missing.xsd") + bad, 1, 1, 0, 2, ""},
   };
   CDoc doc;
   for (const auto& row : rows) {
@@ -227,22 +223,18 @@ TEST_F(Options, ExternalDtdIsReadWhereTheOptionOrValidationAsks) {
   Write("r.dtd", "<!ELEMENT r ANY><!ATTLIST r d CDATA 'v'>");
   const std::string missing =
       "Line 1, Column 34,  Message: unable to open DTD document '" + Name("missing.dtd") + "'";
-  struct {
-    int32_t scheme;
-    uint8_t external;
-    bool isRead;
-  } const rows[] = {{0, 1, true}, {0, 0, false}, {1, 1, true},
-                    {1, 0, true}, {2, 1, true},  {2, 0, true}};
-  for (const auto& row : rows) {
-    SCOPED_TRACE(::testing::Message() << row.scheme << ' ' << int{row.external});
-    CDoc doc;
-    SetScheme(doc.Id(), row.scheme);
-    Set(doc.Id(), kExternal, row.external);
-    EXPECT_EQ(Load(doc.Id(), "<!DOCTYPE r SYSTEM 'r.dtd'><r/>"), "");
-    CText name("d");
-    EXPECT_EQ(TextOf(TSXGetAttribute, doc.Root(), &name), row.isRead ? "v" : "");
-    EXPECT_EQ(Load(doc.Id(), "<!DOCTYPE r SYSTEM 'missing.dtd'><r/>"), row.isRead ? missing : "");
-    EXPECT_EQ(doc.Root() != 0, !row.isRead) << "a fatal error before the root";
+  for (const int32_t scheme : {0, 1, 2}) {
+    for (const uint8_t external : {support::kOff, support::kOn}) {
+      const bool isRead = scheme != 0 || external != 0;
+      SCOPED_TRACE(::testing::Message() << scheme << ' ' << int{external});
+      CDoc doc;
+      SetScheme(doc.Id(), scheme);
+      Set(doc.Id(), kExternal, external);
+      EXPECT_EQ(Load(doc.Id(), "<!DOCTYPE r SYSTEM 'r.dtd'><r/>"), "");
+      EXPECT_EQ(support::Attribute(doc.Root(), "d") != 0, isRead);
+      EXPECT_EQ(Load(doc.Id(), "<!DOCTYPE r SYSTEM 'missing.dtd'><r/>"), isRead ? missing : "");
+      EXPECT_EQ(doc.Root() != 0, !isRead) << "a fatal error before the root";
+    }
   }
 }
 
@@ -250,7 +242,7 @@ TEST_F(Options, IgnorableWhitespaceGoesWhereALoadValidates) {
   Write("r.dtd", "<!ELEMENT r (a,m)><!ELEMENT a EMPTY><!ELEMENT m (#PCDATA|a)*>");
   const std::string kept = "<r> <a/>\n<m> <a/> </m>\n</r>", dropped = "<r><a/><m> <a/> </m></r>";
   for (const int32_t scheme : {0, 1, 2}) {
-    for (const uint8_t preserve : {uint8_t{0}, uint8_t{1}}) {
+    for (const uint8_t preserve : {support::kOff, support::kOn}) {
       CDoc doc;
       SetScheme(doc.Id(), scheme);
       Set(doc.Id(), kSpace, preserve);
