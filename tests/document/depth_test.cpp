@@ -1,11 +1,10 @@
 // Trees that are too deep for a recursion: an answer, never an overflow.
 #include "document/depth.h"
 
-#include <pthread.h>
-
 #include "document/treeparser.h"
 #include "support/path.h"
 #include "support/sanitizer.h"
+#include "support/stack.h"
 
 namespace {
 
@@ -13,6 +12,7 @@ using support::CDoc;
 using support::CPath;
 using support::CText;
 using support::IdOf;
+using support::OnStackOf;
 using support::Repeated;
 
 std::string Nested(int levels, std::string_view inner = "x") {
@@ -23,21 +23,6 @@ class Depth : public support::CLedgerTest {
  protected:
   static constexpr size_t kSmall = 256;  // kilobytes
   static constexpr size_t kUsual = 8192;
-
-  template <class Work>
-  static void OnStackOf(size_t kilobytes, Work work) {
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, kilobytes * 1024), 0);
-    pthread_t thread;
-    const auto run = [](void* pWork) -> void* {
-      (*static_cast<Work*>(pWork))();
-      return nullptr;
-    };
-    ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
-  }
 
   // Every call that goes down a tree, on one of the given depth: `fits` says whether
   // the stack holds it.
