@@ -50,19 +50,19 @@ class CTreeParser::CReaderMeter final : public xercesc::MemoryManager {
     static CReaderMeter s_Meter;
     return s_Meter;
   }
-  static CTreeParser*& Parsing() {
-    thread_local CTreeParser* s_pParsing = nullptr;
-    return s_pParsing;
-  }
+  static CTreeParser*& Parsing() { return State().m_pParsing; }
 
   void* allocate(XMLSize_t size) override {
-    if (Parsing() != nullptr && IsBlockOf<xercesc::XMLReader>(size) && !Parsing()->CountReader()) {
+    CState& state = State();
+    if (state.m_pParsing == nullptr) return Allocate(size);
+    if (IsBlockOf<xercesc::XMLReader>(size) && !state.m_pParsing->CountReader()) {
       // Nobody owns the stream that the reader would have taken over.
-      if (IsBlockOf<xercesc::BinMemInputStream>(Last().m_Size)) deallocate(Last().m_pMemory);
-      Parsing()->StopExpanding();
+      if (IsBlockOf<xercesc::BinMemInputStream>(state.m_LastSize)) deallocate(state.m_pLast);
+      state.m_pParsing->StopExpanding();
     }
-    Last() = {xercesc::XMLPlatformUtils::fgMemoryManager->allocate(size), size};
-    return Last().m_pMemory;
+    state.m_pLast = Allocate(size);
+    state.m_LastSize = size;
+    return state.m_pLast;
   }
   void deallocate(void* pMemory) override {
     xercesc::XMLPlatformUtils::fgMemoryManager->deallocate(pMemory);
@@ -72,13 +72,18 @@ class CTreeParser::CReaderMeter final : public xercesc::MemoryManager {
   }
 
  private:
-  struct CBlock {
-    void* m_pMemory;
-    XMLSize_t m_Size;
+  // Of a thread.
+  struct CState {
+    CTreeParser* m_pParsing = nullptr;
+    void* m_pLast = nullptr;  // the last block, while parsing
+    XMLSize_t m_LastSize = 0;
   };
-  static CBlock& Last() {
-    thread_local CBlock s_Last{};
-    return s_Last;
+  static CState& State() {
+    constinit thread_local CState s_State;
+    return s_State;
+  }
+  static void* Allocate(XMLSize_t size) {
+    return xercesc::XMLPlatformUtils::fgMemoryManager->allocate(size);
   }
   // A block begins with the address of its memory manager.
   template <class Object>
