@@ -1,5 +1,7 @@
 #include "document/treeparser.h"
 
+#include <atomic>
+#include <utility>
 #include <vector>
 #include <xercesc/framework/MemoryManager.hpp>
 #include <xercesc/internal/XMLReader.hpp>
@@ -50,9 +52,18 @@ class CTreeParser::CReaderMeter final : public xercesc::MemoryManager {
     static CReaderMeter s_Meter;
     return s_Meter;
   }
-  static CTreeParser*& Parsing() { return State().m_pParsing; }
+  // Makes a parser the one of this thread, and gives the one before.
+  static CTreeParser* Enter(CTreeParser& parser) {
+    ++s_Parses;
+    return std::exchange(State().m_pParsing, &parser);
+  }
+  static void Leave(CTreeParser* pOuter) {
+    State().m_pParsing = pOuter;
+    --s_Parses;
+  }
 
   void* allocate(XMLSize_t size) override {
+    if (s_Parses.load(std::memory_order_relaxed) == 0) return Allocate(size);
     CState& state = State();
     if (state.m_pParsing == nullptr) return Allocate(size);
     if (IsBlockOf<xercesc::XMLReader>(size) && !state.m_pParsing->CountReader()) {
@@ -82,6 +93,9 @@ class CTreeParser::CReaderMeter final : public xercesc::MemoryManager {
     constinit thread_local CState s_State;
     return s_State;
   }
+  // Of all threads: without any, nobody's variables are looked at.
+  static constinit inline std::atomic<size_t> s_Parses = 0;
+
   static void* Allocate(XMLSize_t size) {
     return xercesc::XMLPlatformUtils::fgMemoryManager->allocate(size);
   }
@@ -99,13 +113,12 @@ CTreeParser::CTreeParser() : XercesDOMParser(nullptr, &CReaderMeter::Instance())
   getScanner()->setEntityHandler(this);
 }
 
-CTreeParser::CParsing::CParsing(CTreeParser& parser) : m_pOuter(CReaderMeter::Parsing()) {
+CTreeParser::CParsing::CParsing(CTreeParser& parser) : m_pOuter(CReaderMeter::Enter(parser)) {
   parser.m_Readers = 0;
   parser.m_Level = 0;
-  CReaderMeter::Parsing() = &parser;
 }
 
-CTreeParser::CParsing::~CParsing() { CReaderMeter::Parsing() = m_pOuter; }
+CTreeParser::CParsing::~CParsing() { CReaderMeter::Leave(m_pOuter); }
 
 // The first reader is the document's own.
 bool CTreeParser::CountReader() { return ++m_Readers <= kMostExpansions + 1; }
