@@ -103,44 +103,6 @@ TEST_F(Handles, ValuesThatAreNotAliveAreRefusedAndCounted) {
   EXPECT_EQ(HostDisposeHandle(live), 0);
 }
 
-TEST_F(Handles, AStaleOneIsRecognisedWhileOthersComeAndGo) {
-  HostHandle stale = HostNewHandle(1);
-  HostDisposeHandle(stale);
-  for (size_t i = 0; i < 127; ++i) HostDisposeHandle(HostNewHandle(1));
-  std::vector<HostHandle> handles;
-  for (size_t i = 0; i < 1000; ++i) handles.push_back(HostNewHandle(1));
-  EXPECT_EQ(std::ranges::count(handles, stale), 0);
-  EXPECT_TRUE(Violates([&] { EXPECT_EQ(HostDisposeHandle(stale), 1); }));
-  for (const HostHandle handle : handles) EXPECT_EQ(HostDisposeHandle(handle), 0);
-}
-
-TEST_F(Handles, AStringThatCannotBeWrittenStaysAsItWas) {
-  HStr string = StandinStringFromText("old", -1);
-  EXPECT_EQ(HostStringFromPtr(nullptr, 1, "x"), 1);
-  EXPECT_NE(HostStringFromPtr(&string, -1, "x"), 0);
-  StandinFailAllocation(1);
-  EXPECT_EQ(HostStringFromPtr(&string, 6, "longer"), 2);
-  EXPECT_EQ((*string)->count, 3);
-  EXPECT_EQ(HostGetHandleSize(string), 7U);
-  EXPECT_EQ(std::memcmp(BytesOf(string) + 4, "old", 3), 0);
-  EXPECT_EQ(HostDisposeHandle(string), 0);
-}
-
-TEST_F(Handles, PathsKnowTheirKindAndGiveTheirText) {
-  for (const char* pText : {"dir/a file.xml", ""}) {
-    HostPath path = StandinPathFromText(pText);
-    EXPECT_NE(HostIsAPath(path), 0);
-    EXPECT_EQ(HostIsEmptyPath(path) != 0, *pText == 0);
-    HostHandle native = HostPathToNative(path);
-    EXPECT_STREQ(reinterpret_cast<char*>(BytesOf(native)), pText);
-    EXPECT_EQ(HostDisposeHandle(native), 0);
-    EXPECT_EQ(StandinPathDispose(path), 0);
-    EXPECT_EQ(HostIsAPath(path), 0);
-    EXPECT_TRUE(Violates([&] { EXPECT_EQ(StandinPathDispose(path), 1); }));
-    EXPECT_TRUE(Violates([&] { EXPECT_EQ(HostPathToNative(path), nullptr); }));
-  }
-}
-
 // Makes a request of each kind and returns the numbers of those that were refused.
 std::vector<int> Refused() {
   HostHandle handle = HostNewHandle(4);
@@ -169,18 +131,6 @@ TEST_F(Faults, RefuseTheRequestWithTheNumberOrAllFromIt) {
   EXPECT_EQ(Refused(), (std::vector{2, 3}));
   StandinFailAllocationsFrom(0);
   EXPECT_EQ(Refused(), std::vector<int>{});
-}
-
-TEST_F(Faults, PointersAreClearAndDieTogether) {
-  std::array<unsigned char, 33> zeros{};
-  for (int i = 0; i < 3; ++i) {
-    void* pBytes = HostNewPtrClear(zeros.size());
-    EXPECT_EQ(std::memcmp(pBytes, zeros.data(), zeros.size()), 0);
-    std::memset(pBytes, 1, zeros.size());
-  }
-  EXPECT_EQ(Ledger().pointers, 3);
-  EXPECT_EQ(StandinDisposePointers(), 3U);
-  EXPECT_EQ(StandinDisposePointers(), 0U);
 }
 
 HostMutex NewMutex(const char* pName) {
