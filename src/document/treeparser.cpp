@@ -1,6 +1,7 @@
 #include "document/treeparser.h"
 
 #include <atomic>
+#include <memory>
 #include <utility>
 #include <vector>
 #include <xercesc/framework/MemoryManager.hpp>
@@ -68,8 +69,12 @@ class CTreeParser::CReaderMeter final : public xercesc::MemoryManager {
     if (state.m_pParsing == nullptr) return Allocate(size);
     if (IsBlockOf<xercesc::XMLReader>(size) && !state.m_pParsing->CountReader()) {
       // Nobody owns the stream that the reader would have taken over.
-      if (IsBlockOf<xercesc::BinMemInputStream>(state.m_LastSize)) deallocate(state.m_pLast);
+      const auto release = [this](void* pStream) { deallocate(pStream); };
+      const bool isStream = IsBlockOf<xercesc::BinMemInputStream>(state.m_LastSize);
+      std::unique_ptr<void, decltype(release)> stream(isStream ? state.m_pLast : nullptr, release);
       state.m_pParsing->StopExpanding();
+      // Where the scanner goes on, the reader has it.
+      static_cast<void>(stream.release());
     }
     state.m_pLast = Allocate(size);
     state.m_LastSize = size;
