@@ -370,7 +370,8 @@ class ClientTest(unittest.TestCase):
         self.assertEqual((1, b"", []), (refused.returncode, refused.stdout, requests))
         self.assertRegex(refused.stderr.decode(), f"\\Anet\\.xml:2:\\d+: .*'{url}'\n\\Z")
         allowed = self.run_client("--network query --text net.xml a")
-        self.assertEqual((0, b"from the file\n", ["/text.ent"]), (allowed.returncode, allowed.stdout, requests))
+        self.assertEqual((0, b"from the file\n", ["/text.ent"]),
+                         (allowed.returncode, allowed.stdout, requests))
 
     def test_no_external(self):
         result = self.run_client("--no-external tree nodtd.xml")
