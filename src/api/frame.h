@@ -1,6 +1,6 @@
-// The frame that the exported node functions share: find the node and check its
-// kind, reset the out, convert the strings, make the one DOM call with no lock
-// held, map what it throws, store the result. A function supplies its interface,
+// The frame that the exported node functions share: reset the out, find the node and
+// check its kind, convert the strings, make the one DOM call with no lock held, map
+// what it throws, store the result. A function supplies its interface,
 // its guard, its reference code, its out, the call, and the strings in.
 #pragma once
 
@@ -53,7 +53,6 @@ TSXStatus FailCall(Out& out, TSXStatus status) {
 template <class Interface, class Guard, class Out, class Call, class... Strings>
 TSXStatus Get(TSXRefId id, TSXStatus badReference, Out out, Call domCall, Strings*... pStrings) {
   Interface* pNode = FindObject<Interface>(id);
-  out.Reset();
   if (pNode == nullptr) return out.Fail(badReference);
   return frame::WithTexts(
       [&](auto... pTexts) {

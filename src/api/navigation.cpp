@@ -26,27 +26,27 @@ DOMNode* Clone(const DOMNode& node, bool deep) {
 }  // namespace
 
 TSXStatus TSXGetParentNode(TSXRefId node, uint64_t, TSXRefId* parentOut) {
-  return Get<DOMNode, Unguarded>(node, domErrRefGetParentNode, CLateNodeOut(parentOut),
+  return Get<DOMNode, Unguarded>(node, domErrRefGetParentNode, CNodeOut(parentOut),
                                  [](auto& n) { return n.getParentNode(); });
 }
 
 TSXStatus TSXGetFirstChild(TSXRefId node, uint64_t, TSXRefId* childOut) {
-  return Get<DOMNode, Unguarded>(node, domErrRefGetFirstChild, CLateNodeOut(childOut),
+  return Get<DOMNode, Unguarded>(node, domErrRefGetFirstChild, CNodeOut(childOut),
                                  [](auto& n) { return n.getFirstChild(); });
 }
 
 TSXStatus TSXGetLastChild(TSXRefId node, uint64_t, TSXRefId* childOut) {
-  return Get<DOMNode, Unguarded>(node, domErrRefGetLastChild, CLateNodeOut(childOut),
+  return Get<DOMNode, Unguarded>(node, domErrRefGetLastChild, CNodeOut(childOut),
                                  [](auto& n) { return n.getLastChild(); });
 }
 
 TSXStatus TSXGetNextSibling(TSXRefId node, uint64_t, TSXRefId* siblingOut) {
-  return Get<DOMNode, Unguarded>(node, domErrRefGetNextSibling, CLateNodeOut(siblingOut),
+  return Get<DOMNode, Unguarded>(node, domErrRefGetNextSibling, CNodeOut(siblingOut),
                                  [](auto& n) { return n.getNextSibling(); });
 }
 
 TSXStatus TSXGetPreviousSibling(TSXRefId node, uint64_t, TSXRefId* siblingOut) {
-  return Get<DOMNode, Unguarded>(node, domErrRefGetPreviousSibling, CLateNodeOut(siblingOut),
+  return Get<DOMNode, Unguarded>(node, domErrRefGetPreviousSibling, CNodeOut(siblingOut),
                                  [](auto& n) { return n.getPreviousSibling(); });
 }
 
@@ -54,7 +54,7 @@ TSXStatus TSXGetPreviousSibling(TSXRefId node, uint64_t, TSXRefId* siblingOut) {
 // functions that ask for a document.
 TSXStatus TSXGetOwnerDocument(TSXRefId node, uint64_t, TSXRefId* documentOut) {
   return Get<DOMNode, Unguarded>(
-      node, domErrRefGetOwnerDocument, CLateNodeOut(documentOut),
+      node, domErrRefGetOwnerDocument, CNodeOut(documentOut),
       [](auto& n) -> DOMNode* { return g_NodeDomMap.GetDomByNode(n.getOwnerDocument()); });
 }
 
@@ -79,24 +79,24 @@ TSXStatus TSXCloneNode(TSXRefId node, const uint8_t* deep, TSXRefId* cloneOut) {
 }
 
 TSXStatus TSXHasAttributes(TSXRefId node, uint8_t* flagOut) {
-  return Get<DOMNode, Unguarded>(node, domErrRefHasAttributes, CLateFlagOut(flagOut),
+  return Get<DOMNode, Unguarded>(node, domErrRefHasAttributes, CFlagOut(flagOut),
                                  [](auto& n) { return n.hasAttributes(); });
 }
 
 // Contract: shares its reference code with TSXHasAttributes.
 TSXStatus TSXHasChildNodes(TSXRefId node, uint8_t* flagOut) {
-  return Get<DOMNode, Unguarded>(node, domErrRefHasAttributes, CLateFlagOut(flagOut),
+  return Get<DOMNode, Unguarded>(node, domErrRefHasAttributes, CFlagOut(flagOut),
                                  [](auto& n) { return n.hasChildNodes(); });
 }
 
 TSXStatus TSXGetSpecified(TSXRefId attribute, uint64_t, uint8_t* flagOut) {
-  return Get<DOMAttr, Unguarded>(attribute, domErrRefGetSpecified, CLateFlagOut(flagOut),
+  return Get<DOMAttr, Unguarded>(attribute, domErrRefGetSpecified, CFlagOut(flagOut),
                                  [](auto& attr) { return attr.getSpecified(); });
 }
 
 TSXStatus TSXIsSupported(TSXRefId node, HStr* feature, HStr* version, uint8_t* flagOut) {
   return Get<DOMNode, Unguarded>(
-      node, domErrRefIsSupported, CLateFlagOut(flagOut),
+      node, domErrRefIsSupported, CFlagOut(flagOut),
       [](auto& n, auto* pFeature, auto* pVersion) { return n.isSupported(pFeature, pVersion); },
       feature, version);
 }
@@ -104,7 +104,7 @@ TSXStatus TSXIsSupported(TSXRefId node, HStr* feature, HStr* version, uint8_t* f
 // Contract: any exception gives this function's own reference code.
 TSXStatus TSXGetNodeType(TSXRefId node, uint64_t, int32_t* typeOut) {
   return Get<DOMNode, Always<domErrRefGetNodeType>>(
-      node, domErrRefGetNodeType, CLateCountOut(typeOut),
+      node, domErrRefGetNodeType, CCountOut(typeOut),
       [](auto& n) { return static_cast<int16_t>(n.getNodeType()); });
 }
 

@@ -1,5 +1,5 @@
-// The out-arguments of the exported functions. Each knows how to reset itself, to
-// fail, and to store a result; the frame decides when.
+// The out-arguments of the exported functions. Each resets itself when it is made,
+// before the look-up, and knows how to fail and how to store a result.
 #pragma once
 
 #include <tessel/export.h>
@@ -15,7 +15,6 @@
 class CNodeOut {
  public:
   explicit CNodeOut(TSXRefId* pId) : m_pId(pId) { *m_pId = 0; }
-  void Reset() {}
   TSXStatus Fail(TSXStatus status) {
     *m_pId = 0;
     return status;
@@ -29,23 +28,10 @@ class CNodeOut {
   TSXRefId* m_pId;
 };
 
-// Contract: an id that is reset once the look-up is done, found or not.
-class CLateNodeOut {
- public:
-  explicit CLateNodeOut(TSXRefId* pId) : m_pId(pId) {}
-  void Reset() { *m_pId = 0; }
-  TSXStatus Fail(TSXStatus status) { return status; }
-  TSXStatus Store(xercesc::DOMNode* pNode) { return CNodeOut(m_pId).Store(pNode); }
-
- private:
-  TSXRefId* m_pId;
-};
-
 // Contract: an id that keeps the host's own value on failure and for no node.
 class CUntouchedNodeOut {
  public:
   explicit CUntouchedNodeOut(TSXRefId* pId) : m_pId(pId) {}
-  void Reset() {}
   TSXStatus Fail(TSXStatus status) { return status; }
   TSXStatus Store(xercesc::DOMNode* pNode) {
     if (pNode != nullptr) *m_pId = g_NodeSessMap.Insert(pNode);
@@ -62,7 +48,6 @@ template <class Value>
 class CValueOut {
  public:
   explicit CValueOut(Value* pValue) : m_pValue(pValue) { *m_pValue = 0; }
-  void Reset() {}
   TSXStatus Fail(TSXStatus status) { return status; }
   template <class Result>
   TSXStatus Store(Result result) {
@@ -76,29 +61,10 @@ class CValueOut {
 using CFlagOut = CValueOut<uint8_t>;
 using CCountOut = CValueOut<int32_t>;
 
-// Contract: a flag or a count that is reset once the look-up is done.
-template <class Value>
-class CLateValueOut {
- public:
-  explicit CLateValueOut(Value* pValue) : m_pValue(pValue) {}
-  void Reset() { *m_pValue = 0; }
-  TSXStatus Fail(TSXStatus status) { return status; }
-  template <class Result>
-  TSXStatus Store(Result result) {
-    return CValueOut<Value>(m_pValue).Store(result);
-  }
-
- private:
-  Value* m_pValue;
-};
-using CLateFlagOut = CLateValueOut<uint8_t>;
-using CLateCountOut = CLateValueOut<int32_t>;
-
 // A string, replaced on success and cleared on failure.
 class CStringOut {
  public:
   explicit CStringOut(HStr* pString) : m_pString(pString) {}
-  void Reset() {}
   TSXStatus Fail(TSXStatus status) {
     ClearString(m_pString);
     return status;

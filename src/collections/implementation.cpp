@@ -2,7 +2,6 @@
 #include <tessel/status.h>
 
 #include "api/frame.h"
-#include "collections/close.h"
 #include "collections/outs.h"
 
 using xercesc::DOMException;
@@ -37,5 +36,5 @@ TSXStatus TSXCreateDocumentType(TSXRefId implementation, HStr* qualifiedName, HS
 }
 
 void TSXImplementationClose(TSXRefId implementation) {
-  CloseReference(g_DOMImplSessMap, implementation);
+  g_DOMImplSessMap.DeleteBySess(implementation);
 }

@@ -5,7 +5,6 @@
 #include <xercesc/dom/impl/DOMNodeVector.hpp>
 
 #include "api/frame.h"
-#include "collections/close.h"
 #include "collections/outs.h"
 #include "document/domimpl.h"
 
@@ -178,4 +177,4 @@ TSXStatus TSXGetNamedNodeMapLength(TSXRefId map, uint64_t, int32_t* lengthOut) {
                                       [](auto& m) { return m.getLength(); });
 }
 
-void TSXNamedNodeMapClose(TSXRefId map) { CloseReference(g_NamedNodeMapSessMap, map); }
+void TSXNamedNodeMapClose(TSXRefId map) { g_NamedNodeMapSessMap.DeleteBySess(map); }

@@ -4,7 +4,6 @@
 #include <limits>
 
 #include "api/frame.h"
-#include "collections/close.h"
 #include "collections/elements.h"
 #include "collections/outs.h"
 
@@ -170,4 +169,4 @@ TSXStatus TSXGetNodeListArray(TSXRefId list, uint64_t, GenericRefObjSessionArray
                                   [](auto& l) { return &l; });
 }
 
-void TSXNodeListClose(TSXRefId list) { CloseReference(g_NodeListSessMap, list); }
+void TSXNodeListClose(TSXRefId list) { g_NodeListSessMap.DeleteBySess(list); }

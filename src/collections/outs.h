@@ -21,7 +21,6 @@ class CHeldOut {
   CHeldOut(TSXRefId* pId, CPtrSessMap<Collection>& registry) : m_pId(pId), m_Registry(registry) {
     *m_pId = 0;
   }
-  void Reset() {}
   TSXStatus Fail(TSXStatus status) { return status; }
   TSXStatus Store(CHeld<Collection> held) {
     *m_pId = held.m_pHolder != nullptr ? m_Registry.InsertHeld(held.m_pCollection, *held.m_pHolder)
@@ -38,7 +37,6 @@ class CHeldOut {
 class CArrayOut {
  public:
   explicit CArrayOut(GenericRefObjSessionArray* pArray) : m_pArray(pArray) {}
-  void Reset() {}
   TSXStatus Fail(TSXStatus status) {
     ClearArray(m_pArray);
     return status;

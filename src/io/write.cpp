@@ -8,11 +8,11 @@
 #include "document/depth.h"
 #include "document/find.h"
 #include "host/guards.h"
+#include "host/text.h"
 #include "io/domwriter.h"
 #include "io/filetarget.h"
 #include "io/memorytarget.h"
 #include "io/nativepath.h"
-#include "io/saveguard.h"
 
 using xercesc::DOMDocument;
 using xercesc::DOMNode;
@@ -53,18 +53,15 @@ TSXStatus WriteToString(DOMNode* pNode, CDOMWriter& writer, HStr* pOut) {
 
 // Writes the document and says whether the writer was content. The reporter keeps
 // what the writer complained of.
-TSXStatus WriteToFile(CXercesDOM& dom, CDOMWriter& writer, const char* pPath, HStr* pErrorText,
-                      bool& written) {
+bool WriteToFile(CXercesDOM& dom, CDOMWriter& writer, const char* pPath) {
   writer.SetEncoding(GetDocumentEncoding(*dom.m_pDoc));
   writer.SetErrorHandler(dom.m_pErrorReporter);
   dom.m_pErrorReporter->setDOMEHCode(0);
   depth::RequireRoom(*dom.DocumentNode(), depth::kWriteLevel);
   CFileTarget target(pPath);
-  written = writer.WriteNode(target, *dom.DocumentNode());
+  const bool written = writer.WriteNode(target, *dom.DocumentNode());
   target.Close();
-  if (dom.m_pErrorReporter->getDOMEHCode() == 0) return 0;
-  CStrToHStr(dom.m_pErrorReporter->getDOMError(), pErrorText);
-  return domErrSaveFile;
+  return written;
 }
 
 using CPrepare = void (*)(CDOMWriter&);
@@ -79,13 +76,14 @@ TSXStatus SaveFile(TSXRefId document, HostPath path, HStr* pErrorText, CPrepare 
   const CNativePath native(path);
   if (native.Get() == nullptr) return CNativePath::kRefused;
   bool written = false;
-  const TSXStatus status = RunSave(pErrorText, [&] {
+  TSXStatus status = Always<domErrSaveFile>::Run([&] {
     CDOMWriter writer(*pDom->m_pDoc->getImplementation());
     prepare(writer);
-    return WriteToFile(*pDom, writer, native.Get(), pErrorText, written);
+    written = WriteToFile(*pDom, writer, native.Get());
   });
-  // Contract: this text replaces every other, and it is written also when the
-  // writer gave up without an error, where the status is 0.
+  if (pDom->m_pErrorReporter->getDOMEHCode() != 0) status = domErrSaveFile;
+  // Contract: every failure leaves this one text, and so does a writer that gave up
+  // without an error, where the status is 0.
   if (status != 0 || !written) CStrToHStr("Failed to write file", pErrorText);
   return status;
 }

@@ -135,7 +135,7 @@ class TESSEL_DATA CPtrSessMap {
 
   // `slot` holds what the registry keeps beside object and count.
   unsigned long Register(T* p, CSlot& slot) TESSEL_REQUIRES(m_Mutex) {
-    const unsigned long id = NextId();
+    const unsigned long id = m_LastSess + 1;
     m_Slots.Reserve(id);
     m_PtrToSess.Insert(p, id);
     m_LastSess = id;
@@ -178,14 +178,6 @@ class TESSEL_DATA CPtrSessMap {
       index.Erase(slot.m_pObject);
       return true;
     });
-  }
-
-  unsigned long NextId() TESSEL_REQUIRES(m_Mutex) {
-    unsigned long id = m_LastSess;
-    do {
-      ++id;
-    } while (m_Slots.Find(id) != nullptr);
-    return id;
   }
 
   unsigned long m_LastSess TESSEL_GUARDED_BY(m_Mutex) = 0;
