@@ -3,6 +3,24 @@
 # Each rule names its component; a component is one Debian package.
 include(CMakePackageConfigHelpers)
 
+# Everything that is installed, the HTML manual excepted.
+add_custom_target(product DEPENDS Tessel TesselHost status_pages)
+set(products $<TARGET_FILE:Tessel> $<TARGET_FILE:TesselHost>
+    ${PROJECT_BINARY_DIR}/docs/tessel_status.py)
+if(TARGET tessel_client)
+  add_dependencies(product tessel_client)
+  list(APPEND products $<TARGET_FILE:tessel_client>)
+endif()
+# A build of some targets leaves files out: they are made before anything is installed.
+install(CODE "
+  foreach(file IN ITEMS ${products})
+    if(NOT EXISTS \"\${file}\")
+      execute_process(COMMAND \"${CMAKE_COMMAND}\" --build \"${PROJECT_BINARY_DIR}\"
+        --config \"$<CONFIG>\" --target product COMMAND_ERROR_IS_FATAL ANY)
+      break()
+    endif()
+  endforeach()" ALL_COMPONENTS)
+
 set(runtime libtessel${PROJECT_VERSION_MAJOR})
 set(development libtessel-dev)
 set(client tessel)
@@ -48,7 +66,7 @@ endif()
 
 # -- Documents -----------------------------------------------------------------
 foreach(component ${runtime} ${development} ${client})
-  install(FILES LICENSE RENAME copyright
+  install(FILES LICENSE
     DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${component} COMPONENT ${component})
 endforeach()
 set(document_dir ${CMAKE_INSTALL_DATADIR}/doc/${development})
@@ -62,39 +80,4 @@ install(FILES ${PROJECT_BINARY_DIR}/docs/tessel_status.py
 install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html
   DESTINATION ${document_dir} COMPONENT ${development} OPTIONAL)
 
-# -- Debian packages -----------------------------------------------------------
-set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_NAME tessel)
-set(CPACK_PACKAGE_VENDOR Tessel)
-set(CPACK_PACKAGE_CONTACT "The Tessel maintainers")
-# Each package has a summary of its own; this one would stand before it.
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
-set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-set(CPACK_STRIP_FILES ON)
-set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_COMPONENTS_ALL ${runtime} ${development})
-if(TARGET tessel_client)
-  list(APPEND CPACK_COMPONENTS_ALL ${client})
-endif()
-set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
-
-# package(<name> <section> <summary> <text> [<dependency>])
-macro(package name section summary text)
-  string(TOUPPER ${name} component)
-  set(CPACK_DEBIAN_${component}_PACKAGE_NAME ${name})
-  set(CPACK_DEBIAN_${component}_PACKAGE_SECTION ${section})
-  set(CPACK_DEBIAN_${component}_DESCRIPTION "${summary}\n${text}")
-  set(CPACK_DEBIAN_${component}_PACKAGE_DEPENDS "${ARGN}")
-endmacro()
-set(same_version "${runtime} (= ${PROJECT_VERSION})")
-package(${runtime} libs "${PROJECT_DESCRIPTION}"
-  "The library, and the stand-in host for programs without a host runtime of their own.")
-package(${development} libdevel "${PROJECT_DESCRIPTION} - development files"
-  "Headers, a CMake package, pkg-config files and examples." "${same_version}, libc6-dev")
-package(${client} text "Print, check, query and change XML documents"
-  "The command-line client of the Tessel library." "${same_version}")
-include(CPack)
+include(cmake/TesselDebian.cmake)

@@ -1,5 +1,6 @@
 #!/bin/bash
-# Makes the Debian packages, looks into them, and runs the client out of them.
+# Makes the Debian packages, asks lintian for their faults, looks into them, and runs
+# the client out of them.
 #   debian.sh BUILD_DIR VERSION
 set -euo pipefail
 build=$1 version=$2 major=${2%%.*}
@@ -32,6 +33,15 @@ holds "libtessel$major" "/libTessel\.so\.$major$" || fail "no library"
 ! holds "libtessel$major" '\.(h|pc|cmake|so)$' || fail "development files in the library"
 holds libtessel-dev /include/tessel/tessel.h$ || fail "no headers"
 holds libtessel-dev '/libTessel\.so$' || fail "no link for the linker"
+for control in shlibs symbols triggers; do
+  dpkg-deb -I "$work/libtessel$major"_*.deb $control > "$work/$control"
+done
+grep > /dev/null "^libTesselHost $major libtessel$major (>= $version)" "$work/shlibs" || fail "shlibs"
+grep > /dev/null "^ TSXLoadFile@Base $version" "$work/symbols" || fail "symbols"
+if [ "$(type -P lintian)" ]; then
+  lintian --allow-root --fail-on error "$work"/*.deb > "$work/log" 2>&1 ||
+    { cat "$work/log" >&2; fail "lintian"; }
+fi
 twice=$(sort "$work"/*.files | uniq -d)
 [ -z "$twice" ] || fail "in two packages: $twice"
 ! grep -r -I -l --include=*.pc --include=*.cmake "$build" "$work/tree" || fail "the build folder's name"

@@ -12,6 +12,8 @@ prefix=$work/prefix
 fail() { echo "install: $*" >&2; exit 1; }
 quietly() { "$@" > "$work/log" 2>&1 || { cat "$work/log" >&2; fail "failed: $*"; }; }
 
+# As after a build of the client alone: the installation makes what is missing.
+rm -f "$build/docs/tessel_status.py"
 quietly cmake --install "$build" --prefix "$prefix"
 lib=$(dirname "$(find "$prefix" -name 'libTessel.so.*' | head -1)")
 cp -r "$prefix/share/doc/libtessel-dev/examples" "$work/examples"
