@@ -42,7 +42,8 @@
  * Departures. "/" before an operator or a bracket is a parse error: write "(/) | a".
  * ".[...]" is one, write "self::node()[...]"; so is "- -1". A variable is never bound:
  * as the whole expression it is domErrXPathConversion, in a predicate it is false
- * without a word. The functions of XSLT (key, current, document, generate-id,
+ * without a word. "<=" between two truth values means "<", ">=" means ">".
+ * "@node()" selects declarations, too. The functions of XSLT (key, current, document, generate-id,
  * format-number, system-property, function-available, element-available,
  * unparsed-entity-uri) do not exist: domErrXPathXSL. The message of a failed
  * conversion names the expression's type rightly and the wanted one wrongly.

@@ -30,6 +30,9 @@ class CCompiled {
       : m_Xpath(*xercesc::XMLPlatformUtils::fgMemoryManager) {
     xalanc::XPathProcessorImpl processor;
     processor.initXPath(m_Xpath, m_Construction, xalanc::XalanDOMString(pExpression), scope);
+    // Literals stay the expression's own. Otherwise Xalan-C copies each into an object
+    // that keeps the number of the one before: "1 = '1' and 2 = '2'" was false.
+    m_Xpath.setInStylesheet(true);
   }
   const xalanc::XPath& Get() const { return m_Xpath; }
 

@@ -7,9 +7,9 @@
 #include <vector>
 #include <xalanc/DOMSupport/DOMSupport.hpp>
 #include <xalanc/XPath/XPath.hpp>
-#include <xalanc/XPath/XPathExecutionContextDefault.hpp>
 #include <xercesc/dom/DOMNode.hpp>
 
+#include "xpath/execution.h"
 #include "xpath/namespacescope.h"
 #include "xpath/numberguard.h"
 #include "xpath/silentcontexts.h"
@@ -77,5 +77,5 @@ class XPathManager {
   CNamespaceScope m_Scope;
   CSilentEnvironment m_Environment;
   CNumberGuard m_Factory;
-  xalanc::XPathExecutionContextDefault m_Execution;
+  CExecution m_Execution;
 };

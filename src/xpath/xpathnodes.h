@@ -151,7 +151,7 @@ class CRootNode final : public CNodeOf<xalanc::XalanDocument> {
   // Never null: without a root element Xalan-C would take "/" for the top of a
   // result tree fragment, climb past it and crash.
   xalanc::XalanElement* getDocumentElement() const override {
-    return &m_Wrapped.Tree().NoElement();
+    return &m_Wrapped.Tree().WholeContent();
   }
   xalanc::XalanElement* getElementById(const xalanc::XalanDOMString& id) const override {
     return static_cast<xalanc::XalanElement*>(m_Wrapped.Tree().FindById(id.c_str()));

@@ -112,21 +112,28 @@ Node* CXPathTree::Make(DOMNode* pNode, XalanNode::NodeType type) {
 }
 
 void CXPathTree::MakeRoot(bool standsForItself) {
-  CElementNode* pNoElement = Make<CElementNode>(nullptr, XalanNode::ELEMENT_NODE);
-  pNoElement->Wrapped().Link(nullptr, nullptr);
-  m_pNoElement = pNoElement;
-
   CRootNode* pRoot = Make<CRootNode>(standsForItself ? m_pTop : nullptr, XalanNode::DOCUMENT_NODE);
   pRoot->Wrapped().m_KnowsParent = true;  // there is nothing above the tree
   m_pRoot = pRoot;
   if (standsForItself) {
     m_Nodes[m_pTop] = pRoot;
   } else if (m_pTop->getNodeType() == DOMNode::ATTRIBUTE_NODE) {
+    CElementNode* pNoElement = Make<CElementNode>(nullptr, XalanNode::ELEMENT_NODE);
+    pNoElement->Wrapped().Link(nullptr, nullptr);
     WrappedOf(*Wrap(m_pTop)).Link(pNoElement, nullptr);
     pRoot->Wrapped().Link(nullptr, pNoElement);
   } else {
     pRoot->Wrapped().Link(nullptr, Wrap(m_pTop));
   }
+}
+
+xalanc::XalanElement& CXPathTree::WholeContent() {
+  if (m_pWholeContent == nullptr) {
+    CElementNode* pElement = Make<CElementNode>(nullptr, XalanNode::ELEMENT_NODE);
+    pElement->Wrapped().Link(nullptr, m_pRoot->getFirstChild());
+    m_pWholeContent = pElement;
+  }
+  return *m_pWholeContent;
 }
 
 bool CXPathTree::HasPlainRoot() const { return IsPlainRoot(*m_pTop); }

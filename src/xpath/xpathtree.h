@@ -81,7 +81,9 @@ class CXPathTree {
 
   xalanc::XalanNode& Context() { return *m_pContext; }
   xalanc::XalanDocument& Root() { return *m_pRoot; }
-  xalanc::XalanElement& NoElement() { return *m_pNoElement; }
+  // An element that stands for no node and has the root's children. Xalan-C takes
+  // the text of a document from its one element; a fragment's may be several.
+  xalanc::XalanElement& WholeContent();
   xercesc::DOMNode* Top() { return m_pTop; }
   // Whether the top is a document or a fragment.
   bool HasPlainRoot() const;
@@ -124,7 +126,7 @@ class CXPathTree {
   const xalanc::XalanDOMString m_NoText;
   xercesc::DOMNode* m_pTop;
   xalanc::XalanDocument* m_pRoot = nullptr;
-  xalanc::XalanElement* m_pNoElement = nullptr;  // stands for no node
+  xalanc::XalanElement* m_pWholeContent = nullptr;
   xalanc::XalanNode* m_pContext = nullptr;
   xalanc::XalanNode::IndexType m_LastIndex = 0;
   int m_Asks = 0;
