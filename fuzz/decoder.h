@@ -102,15 +102,14 @@ class CCall {
     const std::tuple<Args...> args{Take<Args>()...};
     if (!m_Observer.Before(*this)) return;
     m_WasMade = true;
+    constexpr bool kEndsInString = std::is_same_v<LastOf<Args...>, HStr*>;
+    m_HeldOut = HoldsOut<kEndsInString>();
     if constexpr (std::is_void_v<Result>) {
       std::apply(pFunction, args);
     } else {
       m_Status = std::apply(pFunction, args);
     }
-    constexpr bool kEndsInString = std::is_same_v<LastOf<Args...>, HStr*>;
-    m_IsOutLeft = m_IdOut == kOldId || m_Flag == kOldFlag || m_Number == kOldNumber ||
-                  m_Array.IsThere() ||
-                  (kEndsInString && OnlyReads(m_Row) && *m_Strings.back()->Out() != nullptr);
+    m_HoldsOut = HoldsOut<kEndsInString>();
     if (m_IdOut == kOldId) m_IdOut = 0;
   }
 
@@ -120,8 +119,9 @@ class CCall {
   std::vector<TSXRefId> m_Ids;
   TSXRefId m_IdOut = 0;
   CIds m_Array;
-  bool m_IsOutLeft = false;  // an out holds something after the call, as all did before it
-  size_t m_Choices = 1;      // the most values that a byte could choose for an argument
+  bool m_HeldOut = false;   // an out held something before the call; a string may have been null
+  bool m_HoldsOut = false;  // and after it
+  size_t m_Choices = 1;     // the most values that a byte could choose for an argument
 
  private:
   static constexpr TSXRefId kOldId = ~TSXRefId{0};
@@ -129,6 +129,13 @@ class CCall {
   static constexpr int32_t kOldNumber = 77;
   template <class... Args>
   using LastOf = std::tuple_element_t<sizeof...(Args), std::tuple<void, Args...>>;
+
+  template <bool kEndsInString>
+  bool HoldsOut() const {
+    if (m_IdOut == kOldId || m_Flag == kOldFlag || m_Number == kOldNumber) return true;
+    if (m_Array.IsThere()) return true;
+    return kEndsInString && OnlyReads(m_Row) && *m_Strings.back()->Out() != nullptr;
+  }
 
   template <class T>
   T Take() {

@@ -306,7 +306,9 @@ void CModel::CheckOuts(const CCall& call) const {
       "TSXGetEncoding",        "TSXGetValidateOnLoad",     "TSXGetValidationSchemaFullChecking",
       "TSXGetLoadExternalDTD", "TSXGetPreserveWhitespace", "XPathEvaluateContextToNodeArray"};
   const bool leaves = std::ranges::find(kLeaving, std::string_view(Name(call))) != kLeaving.end();
-  if (call.m_IsOutLeft != leaves) Differs("an out beside a bad id", call.m_Ids[0]);
+  if (call.m_HoldsOut != (leaves && call.m_HeldOut)) {
+    Differs("an out beside a bad id", call.m_Ids[0]);
+  }
 }
 
 void CModel::CheckStatus(const CCall& call) {
