@@ -26,6 +26,9 @@ void AddCheck(CLI::App& app, CClient& client);
 void AddQuery(CLI::App& app, CClient& client);
 void AddSet(CLI::App& app, CClient& client);
 void AddDelete(CLI::App& app, CClient& client);
+void AddRename(CLI::App& app, CClient& client);
+void AddInsert(CLI::App& app, CClient& client);
+void AddEdit(CLI::App& app, CClient& client);
 void AddExplain(CLI::App& app, CClient& client);
 
 // The versions of the library and of those below it, a line each.

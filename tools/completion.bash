@@ -2,17 +2,26 @@
 
 _tessel_options() {
   case $1 in
-    tree) echo --attributes ;;
-    format) echo --pretty --encoding --output ;;
+    tree) echo --no-attributes ;;
+    format) echo --pretty --indent --no-declaration --encoding --output ;;
     check) echo --dtd --schema --full --no-external-dtd ;;
     query) echo --text --count --no-namespaces ;;
-    set | delete) echo --output --in-place --no-namespaces ;;
+    set) echo --attribute --output --in-place --no-namespaces ;;
+    delete | rename) echo --output --in-place --no-namespaces ;;
+    insert)
+      echo --before --after --first --last --text --comment --element \
+        --output --in-place --no-namespaces
+      ;;
+    edit)
+      echo --set --set-attribute --delete --rename --insert-before --insert-after \
+        --insert-first --insert-last --output --in-place --no-namespaces
+      ;;
     explain) echo --all --markdown ;;
   esac
 }
 
 _tessel() {
-  local commands="tree format check query set delete explain"
+  local commands="tree format check query set delete insert rename edit explain"
   local word=${COMP_WORDS[COMP_CWORD]} command="" i
   COMPREPLY=()
   for ((i = 1; i < COMP_CWORD; ++i)); do

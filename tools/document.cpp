@@ -23,12 +23,6 @@ TSXStatus LoadInput(const CDocument& document, const CInput& input, CText& parse
   return TSXLoadFile(document.Get(), path.Get(), parseErrors.Get(), exceptionText.Get());
 }
 
-std::string EncodingOf(const CDocument& document) {
-  CText encoding;
-  Require(TSXGetEncoding(document.Get(), 0, encoding.Get()), "encoding");
-  return encoding.IsNull() ? "its encoding" : std::string(encoding.View());
-}
-
 // The writer leaves out the mark that a file in UTF-16 must begin with.
 std::string ByteOrderMark(const std::string& encoding, std::string_view xml) {
   if (encoding != "UTF-16" && encoding != "utf-16") return {};
@@ -59,7 +53,10 @@ std::string Load(const CDocument& document, const CInput& input, const CReadOpti
 }
 
 CDocument ReadDocument(const std::string& file, const CClient& client, CReadOptions options) {
-  const CInput input = PrepareInput(file, client);
+  return ReadDocument(PrepareInput(file, client), client, options);
+}
+
+CDocument ReadDocument(const CInput& input, const CClient& client, CReadOptions options) {
   if (client.m_NoExternal) options.m_ExternalDTD = 0;
   CDocument document = NewDocument();
   const std::string lines = Load(document, input, options);
@@ -70,7 +67,7 @@ CDocument ReadDocument(const std::string& file, const CClient& client, CReadOpti
 std::string WriteDocument(const CDocument& document, const std::string& file, bool pretty) {
   CText xml;
   const TSXStatus status = TSIGetXMLCommon(document.Get(), xml.Get(), pretty);
-  const std::string encoding = EncodingOf(document);
+  const std::string encoding = NamedEncoding(document);
   if (status == domErrInvalidCharacter) {
     throw CFailure(StatusLine(file, status, "it cannot be written in " + encoding));
   }
@@ -81,4 +78,10 @@ std::string WriteDocument(const CDocument& document, const std::string& file, bo
 void SetEncoding(const CDocument& document, const std::string& encoding) {
   CText name(encoding);
   Require(TSXSetEncoding(document.Get(), 0, name.Get()), encoding);
+}
+
+std::string NamedEncoding(const CDocument& document) {
+  CText encoding;
+  Require(TSXGetEncoding(document.Get(), 0, encoding.Get()), "encoding");
+  return std::string(encoding.View());
 }

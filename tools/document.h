@@ -22,11 +22,14 @@ CDocument NewDocument();
 std::string Load(const CDocument& document, const CInput& input, const CReadOptions& options);
 
 // The document of a file that a command cannot do without.
+CDocument ReadDocument(const CInput& input, const CClient& client, CReadOptions options = {});
 CDocument ReadDocument(const std::string& file, const CClient& client, CReadOptions options = {});
 
 // The document as XML text, in its own encoding, as a file would hold it.
 std::string WriteDocument(const CDocument& document, const std::string& file, bool pretty = false);
 
+// The encoding that the document declares or was given; empty for none.
+std::string NamedEncoding(const CDocument& document);
 void SetEncoding(const CDocument& document, const std::string& encoding);
 
 #endif

@@ -1,48 +1,62 @@
-// The subcommands that change a document: set and delete.
-#include <memory>
+#include "edit.h"
+
 #include <vector>
 
-#include "client.h"
-#include "document.h"
+#include "insert.h"
 #include "message.h"
-#include "nodes.h"
-#include "output.h"
+#include "namespaces.h"
+#include "value.h"
 
 namespace {
 
-struct CEditOptions {
-  std::string m_File;
-  std::string m_Expression;
-  std::string m_Value;
-  std::string m_Output;
-  bool m_InPlace = false;
-  bool m_NoNamespaces = false;
+// What the changes of one edit share.
+struct CContext {
+  const CEdit& m_Edit;
+  const CDocument& m_Document;
+  const std::string& m_File;
 };
 
-[[noreturn]] void Refuse(const std::string& file, EKind kind, const char* pWhy) {
-  throw CFailure(Line(file, std::string("a ") + KindName(kind) + ' ' + pWhy));
+[[noreturn]] void Refuse(const CContext& context, EKind kind, const char* pWhy) {
+  throw CFailure(Line(context.m_File, OneOf(kind) + ' ' + pWhy));
 }
 
-void SetNode(TSXRefId node, const std::string& file, CText& value) {
-  switch (const EKind kind = KindOf(node)) {
+// -- Values --------------------------------------------------------------------------
+
+void SetNode(const CNode& node, const CContext& context) {
+  const EKind kind = KindOf(node.Get());
+  RequireValue(context.m_Edit.m_Value, kind, context.m_File);
+  CText value(context.m_Edit.m_Value);
+  switch (kind) {
     case EKind::kElement:
-      return Require(TSXSetText(node, value.Get()), file);
+      return Require(TSXSetText(node.Get(), value.Get()), context.m_File);
     case EKind::kAttribute:
-      return Require(TSXSetAttrValue(node, 0, value.Get()), file);
+      return Require(TSXSetAttrValue(node.Get(), 0, value.Get()), context.m_File);
     case EKind::kText:
     case EKind::kCDATA:
     case EKind::kComment:
     case EKind::kProcessingInstruction:
-      return Require(TSXSetNodeValue(node, 0, value.Get()), file);
+      return Require(TSXSetNodeValue(node.Get(), 0, value.Get()), context.m_File);
     default:
-      Refuse(file, kind, "has no value that can be set");
+      Refuse(context, kind, "has no value that can be set");
   }
 }
 
-void SetNodes(CNodeArray& nodes, const CEditOptions& options) {
-  CText value(options.m_Value);
-  for (size_t i = 0; i < nodes.Size(); ++i) SetNode(nodes.At(i), options.m_File, value);
+void SetAttribute(TSXRefId element, const std::string& name, std::string_view value,
+                  const std::string& file) {
+  CText uri(NamespaceOfAttribute(element, name, file));
+  CText nameText(name);
+  CText valueText(value);
+  RequireName(TSXSetAttributeNS(element, uri.Get(), nameText.Get(), valueText.Get()), name, file);
 }
+
+void SetAttributeOf(const CNode& node, const CContext& context) {
+  const EKind kind = KindOf(node.Get());
+  if (kind != EKind::kElement) Refuse(context, kind, "has no attributes");
+  RequireValue(context.m_Edit.m_Value, EKind::kAttribute, context.m_File);
+  SetAttribute(node.Get(), context.m_Edit.m_Name, context.m_Edit.m_Value, context.m_File);
+}
+
+// -- Deletion ------------------------------------------------------------------------
 
 void DeleteAttribute(const CNode& attribute, const std::string& file) {
   CNode element;
@@ -50,97 +64,126 @@ void DeleteAttribute(const CNode& attribute, const std::string& file) {
   Require(TSXRemoveAttributeNode(element.Get(), attribute.Get()), file);
 }
 
-// The parents are kept until all is done: giving back the last hand-out of the
-// bare document node would drop the ids of all nodes.
-void DeleteChild(CNode& child, std::vector<CNode>& parents, const std::string& file) {
-  CNode parent;
-  Require(TSXGetParentNode(child.Get(), 0, parent.Out()), file);
-  const EKind kind = KindOf(child.Get());
-  if (kind == EKind::kDocument) Refuse(file, kind, "cannot be deleted");
+void DeleteNode(CNode& node, const CContext& context) {
+  const EKind kind = KindOf(node.Get());
+  if (kind == EKind::kAttribute) return DeleteAttribute(node, context.m_File);
+  if (kind == EKind::kDocument) Refuse(context, kind, "cannot be deleted");
+  const CNode parent = Parent(node.Get());
   if (kind == EKind::kElement && KindOf(parent.Get()) == EKind::kDocument) {
-    throw CFailure(Line(file, "the document element cannot be deleted"));
+    throw CFailure(Line(context.m_File, "the document element cannot be deleted"));
   }
-  Require(TSXRemoveChild(parent.Get(), child.Get()), file);
-  child.Forget();  // the removal took the hand-out
-  parents.push_back(std::move(parent));
+  Require(TSXRemoveChild(parent.Get(), node.Get()), context.m_File);
+  node.Forget();  // the removal took the hand-out
 }
 
-// From the last to the first, so that no node goes before one that it holds.
-void DeleteNodes(CNodeArray& nodes, const CEditOptions& options) {
-  std::vector<CNode> parents;
-  for (size_t i = nodes.Size(); i-- > 0;) {
-    CNode node = nodes.Take(i);
-    if (KindOf(node.Get()) == EKind::kAttribute) {
-      DeleteAttribute(node, options.m_File);
-    } else {
-      DeleteChild(node, parents, options.m_File);
-    }
+// -- Names ---------------------------------------------------------------------------
+
+// An attribute that the grammar supplies is not written, so it is not copied.
+void CopyAttributes(TSXRefId from, TSXRefId to, const std::string& file) {
+  const CNodeArray attributes = AttributesOf(from);
+  for (size_t i = 0; i < attributes.Size(); ++i) {
+    const TSXRefId attribute = attributes.At(i);
+    uint8_t isSpecified = 1;
+    Require(TSXGetSpecified(attribute, 0, &isSpecified), file);
+    if (isSpecified == 0) continue;
+    CText uri = Property(attribute, TSXGetNamespaceName);
+    CText name = Property(attribute, TSXName);
+    CText value = Property(attribute, TSXGetAttrValue);
+    Require(TSXSetAttributeNS(to, uri.Get(), name.Get(), value.Get()), file);
   }
 }
 
-using CEdit = void (*)(CNodeArray&, const CEditOptions&);
-
-int RunEdit(const CEditOptions& options, const CClient& client, CEdit edit) {
-  if (options.m_InPlace && options.m_File == "-") {
-    throw CLI::ValidationError("--in-place", "standard input is no file that could be changed");
-  }
-  CReadOptions read;
-  read.m_Namespaces = options.m_NoNamespaces ? 0 : 1;
-  const CDocument document = ReadDocument(options.m_File, client, read);
-  CNodeArray nodes = Select(document, options.m_File, options.m_Expression);
-  if (nodes.Size() == 0) {
-    PrintError(Line(options.m_File, "nothing found: " + options.m_Expression));
-    return kFailed;
-  }
-  edit(nodes, options);
-  WriteResult(options.m_InPlace ? options.m_File : options.m_Output,
-              WriteDocument(document, options.m_File));
-  return kDone;
+void MoveChildren(TSXRefId from, TSXRefId to, const std::string& file) {
+  while (const CNode child = FirstChild(from)) Require(TSXAppendChild(to, child.Get()), file);
 }
 
-CLI::App* AddEdit(CLI::App& app, CClient& client, const char* pName, const char* pDescription,
-                  const std::shared_ptr<CEditOptions>& options, CEdit edit) {
-  CLI::App* pEdit = app.add_subcommand(pName, pDescription);
-  pEdit->add_option("FILE", options->m_File, "XML file; - is standard input")->required();
-  pEdit->add_option("EXPRESSION", options->m_Expression, "XPath expression")->required();
-  CLI::Option* pOutput =
-      pEdit->add_option("-o,--output", options->m_Output,
-                        "File to write, replaced in one step; standard output by default");
-  pEdit
-      ->add_flag("--in-place", options->m_InPlace,
-                 "Replace FILE, in one step; it is kept as it was if anything fails")
-      ->excludes(pOutput);
-  pEdit->add_flag("--no-namespaces", options->m_NoNamespaces,
-                  "Take names as they are written, prefix and all");
-  pEdit->callback([options, &client, edit] {
-    client.m_Run = [=, &client] { return RunEdit(*options, client, edit); };
-  });
-  return pEdit;
+void Exchange(const CNode& oldNode, const CNode& newNode, const std::string& file) {
+  const CNode parent = Parent(oldNode.Get());
+  Require(TSXReplaceChild(parent.Get(), newNode.Get(), oldNode.Get()), file);
+}
+
+void RenameElement(const CNode& element, const CContext& context) {
+  const std::string& name = context.m_Edit.m_Name;
+  CText uri(NamespaceOfElement(element.Get(), name, context.m_File));
+  CText nameText(name);
+  CNode renamed;
+  RequireName(
+      TSXCreateElementNS(context.m_Document.Get(), uri.Get(), nameText.Get(), renamed.Out()), name,
+      context.m_File);
+  CopyAttributes(element.Get(), renamed.Get(), context.m_File);
+  MoveChildren(element.Get(), renamed.Get(), context.m_File);
+  Exchange(element, renamed, context.m_File);
+}
+
+void RenameAttribute(const CNode& attribute, const CContext& context) {
+  const std::string& name = context.m_Edit.m_Name;
+  CNode element;
+  Require(TSXOwnerElement(attribute.Get(), 0, element.Out()), context.m_File);
+  if (Property(attribute.Get(), TSXName).View() == name) return;
+  CText nameText(name);
+  uint8_t isThere = 0;
+  Require(TSXHasAttribute(element.Get(), nameText.Get(), &isThere), context.m_File);
+  if (isThere != 0) {
+    throw CFailure(Line(context.m_File, "the element has an attribute " + name + " already"));
+  }
+  SetAttribute(element.Get(), name, Property(attribute.Get(), TSXGetAttrValue).View(),
+               context.m_File);
+  Require(TSXRemoveAttributeNode(element.Get(), attribute.Get()), context.m_File);
+}
+
+void RenameInstruction(const CNode& instruction, const CContext& context) {
+  CText target(context.m_Edit.m_Name);
+  CText data = Property(instruction.Get(), TSXGetData);
+  CNode renamed;
+  RequireName(TSXCreateProcessingInstruction(context.m_Document.Get(), target.Get(), data.Get(),
+                                             renamed.Out()),
+              context.m_Edit.m_Name, context.m_File);
+  Exchange(instruction, renamed, context.m_File);
+}
+
+void RenameNode(const CNode& node, const CContext& context) {
+  switch (const EKind kind = KindOf(node.Get())) {
+    case EKind::kElement:
+      return RenameElement(node, context);
+    case EKind::kAttribute:
+      return RenameAttribute(node, context);
+    case EKind::kProcessingInstruction:
+      return RenameInstruction(node, context);
+    default:
+      Refuse(context, kind, "has no name that can be changed");
+  }
+}
+
+// ------------------------------------------------------------------------------------
+
+void ApplyTo(CNode& node, const CContext& context) {
+  switch (context.m_Edit.m_Action) {
+    case EAction::kSet:
+      return SetNode(node, context);
+    case EAction::kSetAttribute:
+      return SetAttributeOf(node, context);
+    case EAction::kDelete:
+      return DeleteNode(node, context);
+    case EAction::kRename:
+      return RenameNode(node, context);
+    case EAction::kInsert:
+      return Insert(context.m_Edit, node.Get(), context.m_Document, context.m_File);
+  }
 }
 
 }  // namespace
 
-void AddSet(CLI::App& app, CClient& client) {
-  auto options = std::make_shared<CEditOptions>();
-  CLI::App* pSet =
-      AddEdit(app, client, "set", "Set the text of every node that an XPath expression selects",
-              options, SetNodes);
-  pSet->add_option("VALUE", options->m_Value, "New text; put -- before a value that begins with -")
-      ->required();
-  pSet->footer(
-      "Exit status 0: something set; 1: nothing found, or an error.\n\n"
-      "Examples:\n"
-      "  tessel set catalogue.xml \"//tile[@id='t1']/colour\" azure\n"
-      "  tessel set --in-place catalogue.xml '//@size' 25");
-}
-
-void AddDelete(CLI::App& app, CClient& client) {
-  CLI::App* pDelete =
-      AddEdit(app, client, "delete", "Delete every node that an XPath expression selects",
-              std::make_shared<CEditOptions>(), DeleteNodes);
-  pDelete->footer(
-      "Exit status 0: something deleted; 1: nothing found, or an error.\n\n"
-      "Examples:\n"
-      "  tessel delete catalogue.xml '//comment()'\n"
-      "  tessel delete --in-place catalogue.xml '//tile/@size'");
+void Apply(const CEdit& edit, const CDocument& document, const std::string& file) {
+  // Kept until all is done, or its closing would take the ids of all nodes along.
+  CNode element;
+  Require(TSXGetDocumentElement(document.Get(), 0, element.Out()), file);
+  const CNode bareDocument = Parent(element.Get());
+  CNodeArray nodes = Select(document, file, edit.m_Expression);
+  if (nodes.Size() == 0) throw CFailure(Line(file, "nothing found: " + edit.m_Expression));
+  const CContext context{edit, document, file};
+  // From the last to the first, so that no node goes before one that it holds.
+  for (size_t i = nodes.Size(); i-- > 0;) {
+    CNode node = nodes.Take(i);
+    ApplyTo(node, context);
+  }
 }

@@ -27,6 +27,9 @@ void AddAll(CLI::App& app, CClient& client) {
   AddQuery(app, client);
   AddSet(app, client);
   AddDelete(app, client);
+  AddInsert(app, client);
+  AddRename(app, client);
+  AddEdit(app, client);
   AddExplain(app, client);
   app.footer(
       "Exit status 0: done; 1: an error, nothing found, or not valid; 2: wrong usage.\n"

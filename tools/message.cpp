@@ -110,3 +110,11 @@ std::string ParserLines(std::string_view file, std::string_view collected) {
   }
   return lines;
 }
+
+std::string FirstMessage(std::string_view collected) {
+  const std::optional<CHead> head = FindHead(collected, 0);
+  if (!head) return {};
+  const std::optional<CHead> next = FindHead(collected, head->m_End);
+  const size_t end = next ? next->m_Start : collected.size();
+  return OneLine(collected.substr(head->m_End, end - head->m_End));
+}

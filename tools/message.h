@@ -38,4 +38,7 @@ void Require(TSXStatus status, std::string_view subject);
 // The lines that a load collected, each as "FILE:LINE:COLUMN: MESSAGE".
 std::string ParserLines(std::string_view file, std::string_view collected);
 
+// The first message that a load collected, alone; empty for none.
+std::string FirstMessage(std::string_view collected);
+
 #endif

@@ -21,6 +21,11 @@ const char* KindName(EKind kind) {
   return kNames.at(static_cast<size_t>(kind));
 }
 
+std::string OneOf(EKind kind) {
+  const std::string name = KindName(kind);
+  return (name.find_first_of("aeiou") == 0 ? "an " : "a ") + name;
+}
+
 CNode FirstChild(TSXRefId node) {
   CNode child;
   Require(TSXGetFirstChild(node, 0, child.Out()), "node");
@@ -31,6 +36,19 @@ CNode NextSibling(const CNode& node) {
   CNode sibling;
   Require(TSXGetNextSibling(node.Get(), 0, sibling.Out()), "node");
   return sibling;
+}
+
+CNode Parent(TSXRefId node) {
+  CNode parent;
+  Require(TSXGetParentNode(node, 0, parent.Out()), "node");
+  return parent;
+}
+
+void RequireName(TSXStatus status, const std::string& name, const std::string& file) {
+  if (status == domErrInvalidCharacter || status == domErrNamespace) {
+    throw CFailure(Line(file, '"' + name + "\" is no name that can stand here"));
+  }
+  Require(status, file);
 }
 
 CText Property(TSXRefId node, CStringGetter getter) {

@@ -25,9 +25,17 @@ enum class EKind : int32_t {
 
 EKind KindOf(TSXRefId node);
 const char* KindName(EKind kind);
+// "an element", "a text" and so on.
+std::string OneOf(EKind kind);
 
 CNode FirstChild(TSXRefId node);
 CNode NextSibling(const CNode& node);
+// Closing the last id of the bare document node drops the ids of all its nodes: who
+// walks up to it keeps it as long as these.
+CNode Parent(TSXRefId node);
+
+// As Require, for a call that takes a name from the command line.
+void RequireName(TSXStatus status, const std::string& name, const std::string& file);
 
 // A string property, by the function that gives it.
 using CStringGetter = TSXStatus (*)(TSXRefId, uint64_t, HStr*);

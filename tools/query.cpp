@@ -2,6 +2,7 @@
 
 #include "client.h"
 #include "document.h"
+#include "markup.h"
 #include "message.h"
 #include "nodes.h"
 #include "output.h"
@@ -15,35 +16,6 @@ struct CQueryOptions {
   bool m_Count = false;
   bool m_NoNamespaces = false;
 };
-
-std::string Escaped(std::string_view value) {
-  std::string escaped;
-  for (const char c : value) {
-    switch (c) {
-      case '&':
-        escaped += "&amp;";
-        break;
-      case '<':
-        escaped += "&lt;";
-        break;
-      case '"':
-        escaped += "&quot;";
-        break;
-      case '\n':
-        escaped += "&#xA;";
-        break;
-      case '\r':
-        escaped += "&#xD;";
-        break;
-      case '\t':
-        escaped += "&#x9;";
-        break;
-      default:
-        escaped += c;
-    }
-  }
-  return escaped;
-}
 
 // An attribute is no XML alone, so the writer refuses it.
 std::string AttributeXML(TSXRefId attribute) {

@@ -12,7 +12,7 @@ namespace {
 
 struct CTreeOptions {
   std::string m_File;
-  bool m_Attributes = false;
+  bool m_Attributes = true;
 };
 
 constexpr const char* kKindColour = "36";
@@ -174,12 +174,13 @@ void AddTree(CLI::App& app, CClient& client) {
   auto options = std::make_shared<CTreeOptions>();
   CLI::App* pTree = app.add_subcommand("tree", "Print the nodes of a document, one a line");
   pTree->add_option("FILE", options->m_File, "XML file; - is standard input")->required();
-  pTree->add_flag("--attributes", options->m_Attributes, "Print attributes too");
+  pTree->add_flag_callback(
+      "--no-attributes", [options] { options->m_Attributes = false; }, "Print no attributes");
   pTree->footer(
       "Each line is the depth, the kind, the name and the value of a node.\n\n"
       "Examples:\n"
       "  tessel tree catalogue.xml\n"
-      "  tessel tree --attributes - < catalogue.xml");
+      "  tessel tree --no-attributes - < catalogue.xml");
   pTree->callback(
       [options, &client] { client.m_Run = [=, &client] { return RunTree(*options, client); }; });
 }

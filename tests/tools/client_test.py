@@ -13,11 +13,13 @@ import re
 import resource
 import signal
 import stat
+import struct
 import subprocess
 import sys
 import tempfile
 import threading
 import unittest
+import xml.etree.ElementTree
 
 CLIENT = os.path.abspath(sys.argv.pop(1))
 # Of the surroundings only these count; what is suppressed is not to be listed.
@@ -38,6 +40,8 @@ CATALOGUE_TREE = """\
 1   element catalogue
 2     comment " two "
 2     element tile
+3       attribute id "t1"
+3       attribute size "20"
 3       element colour
 4         text "crème 😀"
 3       element origin
@@ -45,6 +49,8 @@ CATALOGUE_TREE = """\
 5           text "Zürich"
 2     processing-instruction print "wide"
 2     element tile
+3       attribute id "t2"
+3       attribute size "35"
 3       element note
 4         cdata "a < b"
 """
@@ -87,10 +93,14 @@ FILES = {
     "number.xml": by_schema("number.xsd", "5"),
     "word.xml": by_schema("number.xsd", "five"),
     "ambiguous.xml": by_schema("ambiguous.xsd", "<a/>"),
-    "names.xml": '<p:a xmlns:p="urn:p"><p:b>1</p:b></p:a>',
     "external.xml": '<!DOCTYPE a [<!ENTITY f SYSTEM "text.ent">]>\n<a>&f;</a>',
     "text.ent": "from the file",
     "nested.xml": "<r><a>1<a>2</a></a><b/></r>",
+    "text.xml": "<t a='é'>1</t>",
+    "spaces.xml": '<r>\n <a/>   <b> x <c/></b><d xml:space="preserve"> <e/></d>'
+                  '<f><!-- > --><?g h?><i><![CDATA[ ]]></i></f></r>',
+    "names.xml": '<p:a xmlns:p="urn:p"><p:b>1</p:b></p:a>',
+    "edit.xml": '<r xmlns="urn:d" xmlns:p="urn:p" k="1"><p:a p:i="2">x</p:a><!--c--><?t d?></r>',
 }
 
 Case = collections.namedtuple("Case", "args status out err stdin", defaults=("", "", None))
@@ -98,13 +108,36 @@ Case = collections.namedtuple("Case", "args status out err stdin", defaults=("",
 NOT_FOUND = "No such file or directory"
 RUN_HELP = "Run with --help for more information.\n"
 
+
+
+class Same(str):
+    """A document that the client has to write, however it lays out its text."""
+
+    def canonical(self):
+        return xml.etree.ElementTree.canonicalize(self, with_comments=True)
+
+
+def edited(*changes):
+    """What becomes of edit.xml: each first text in it replaced by the second."""
+    text = FILES["edit.xml"]
+    for before, after in zip(changes[::2], changes[1::2]):
+        assert before in text, before
+        text = text.replace(before, after)
+    return Same(text)
+
+
+def refused(problem):
+    """What is said of edit.xml, a regular expression."""
+    return re.compile(f"tessel: edit\\.xml: {problem}\n")
+
+
 CASES = [
     # Trees.
     Case("tree cat.xml", 0, CATALOGUE_TREE),
     Case("tree latin1.xml", 0, CATALOGUE_TREE.replace(" 😀", "")),
     Case("tree -", 0, CATALOGUE_TREE, stdin="utf16.xml"),
     Case("tree Zürich:1.xml", 0, "0 document\n1   element a\n"),
-    Case("tree --attributes kinds.xml", 0, """\
+    Case("tree kinds.xml", 0, """\
 0 document
 1   document-type k public "-//T//K" system "k.dtd"
 2     entity pic system "x.gif" notation "gif"
@@ -114,6 +147,7 @@ CASES = [
 2     attribute size "20" default
 2     text "tab\\t\\\\\\n\\x0d"
 """),
+    Case("tree --no-attributes text.xml", 0, '0 document\n1   element t\n2     text "1"\n'),
     # A relative reference from standard input is one from the working directory.
     Case("query --text - a", 0, "from the file\n", stdin="external.xml"),
     # What cannot be read.
@@ -131,7 +165,27 @@ CASES = [
     Case("format --encoding no-such valid.xml", 1,
          err="tessel: valid.xml: domErrInvalidCharacter (-2604): "
              "it cannot be written in no-such\n"),
-    Case("format -o gone/x.xml valid.xml", 1, err=f"tessel: gone/x.xml: {NOT_FOUND}\n"),
+    Case("format -o - --no-declaration text.xml", 0, '<t a="é">1</t>'),
+    Case("format --no-declaration --encoding UTF-16 text.xml", 0,
+         '<t a="é">1</t>'.encode("utf-16")),
+    Case("format --no-declaration --encoding ISO-8859-1 text.xml", 1,
+         err="tessel: text.xml: ISO-8859-1 must be declared\n"),
+    Case("format --indent 1 spaces.xml", 0, HEAD + """
+<r>
+ <a/>
+ <b> x <c/></b>
+ <d xml:space="preserve"> <e/></d>
+ <f>
+  <!-- > -->
+  <?g h?>
+  <i><![CDATA[ ]]></i>
+ </f>
+</r>
+"""),
+    Case("format --indent 0 --no-declaration kinds.xml", 0, re.compile(
+        r"<!DOCTYPE k [^\0]*ANY>[^\0]*\]>\n<k [^\0]*</k>\n")),
+    Case("format -o gone/x.xml valid.xml", 1,
+         err=f"tessel: gone: no file can be made in this folder: {NOT_FOUND}\n"),
     # Checking.
     Case("check cat.xml utf16.xml valid.xml invalid.xml word.xml", 0),
     Case("check valid.xml broken.xml gone.xml -", 1, stdin="broken.xml",
@@ -175,6 +229,65 @@ CASES = [
          '<?print wide?><tile size="35"/></catalogue>'),
     Case("delete nested.xml /r", 1,
          err="tessel: nested.xml: the document element cannot be deleted\n"),
+    Case("set --attribute p:n edit.xml /* v", 0, edited('k="1"', 'k="1" p:n="v"')),
+    Case("set --attribute q:n edit.xml /* v", 1,
+         err="tessel: edit.xml: no namespace is declared here for the prefix q\n"),
+    Case("set --attribute 1 edit.xml /* v", 1,
+         err='tessel: edit.xml: "1" is no name that can stand here\n'),
+    Case("set --attribute a edit.xml //comment() v", 1,
+         err="tessel: edit.xml: a comment has no attributes\n"),
+    *[Case(["set", "edit.xml", expression, value], 1,
+           err=refused("the value cannot stand in " + re.escape(problem)))
+      for expression, value, problem in (
+          ("//comment()", "a -- b", 'a comment: it holds "--"'),
+          ("//comment()", "a-", 'a comment: it ends in "-"'),
+          ("//comment()", "a\rb", "a comment: it holds a carriage return"),
+          ("//processing-instruction()", "?>", 'a processing-instruction: it holds "?>"'),
+          ("//processing-instruction()", " x",
+           "a processing-instruction: it begins with white space"),
+          ("//@k", "\x01", "an attribute: XML cannot hold the character U+0001"),
+          ("//p:a", "\uffff", "an element: XML cannot hold the character U+FFFF"),
+          ("//p:a", b"\xed\xa0\x80", "an element: it is not UTF-8"),
+          ("//p:a", b"a\xc0\x80", "an element: it is not UTF-8"),
+          ("//p:a/text()", b"\xf0\x9f\x98", "a text: it is not UTF-8"))],
+    Case(["set", "cat.xml", "//note/node()", "]]>"], 1,
+         err='tessel: cat.xml: the value cannot stand in a cdata: it holds "]]>"\n'),
+    Case("rename edit.xml //*|//@p:i n", 0,
+         edited("<r ", "<n ", "</r>", "</n>", "p:a p:i", "n n", "/p:a", "/n")),
+    Case("rename edit.xml /processing-instruction()|//processing-instruction() u", 0,
+         edited("<?t", "<?u")),
+    Case("rename nested.xml //a c", 0, HEAD + "<r><c>1<c>2</c></c><b/></r>"),
+    Case("rename edit.xml //comment() n", 1,
+         err="tessel: edit.xml: a comment has no name that can be changed\n"),
+    Case("rename cat.xml //tile/@id size", 1,
+         err="tessel: cat.xml: the element has an attribute size already\n"),
+    *[Case(["insert", *options, "edit.xml", where, content], 0, edited(before, after))
+      for options, where, content, before, after in (
+          ([], "/*", "<p:z k='&amp;'/>t", "</r>", '<p:z k="&amp;"/>t</r>'),
+          (["--first"], "//p:a", "<!--n-->", ">x", "><!--n-->x"),
+          (["--before", "--text"], "//p:a", "<&>", "<p:a", "&lt;&amp;&gt;<p:a"),
+          (["--after", "--comment"], "//p:a", "n", "<!--", "<!--n--><!--"),
+          (["--last", "--element"], "//p:a", "p:n", "x</p", "x<p:n/></p"),
+          (["--before", "--comment"], "/*", "n", "<r", "<!--n--><r"))],
+    *[Case(["insert", *options, "edit.xml", where, content], 1, err=refused(problem))
+      for options, where, content, problem in (
+          ([], "/*", "</content><content>", "what .* is not well-formed: .*"),
+          ([], "/*", "<q:n/>", "what .* is not well-formed: prefix 'q' .*"),
+          ([], "/*", "<n>", "what .* is not well-formed: .*"),
+          (["--comment"], "/*", "a--b", 'the value cannot stand in a comment: it holds "--"'),
+          (["--after"], "//@k", "<n/>", "nothing can be inserted beside an attribute"),
+          ([], "//comment()", "<n/>", "nothing can be inserted into a comment"),
+          ([], "/", "<n/>", r"domErrHierarchyRequest \(-2602\): .*"))],
+    # Each edit sees what those before it did.
+    Case(["edit", "--rename", "//p:a", "p:b", "--set-attribute", "//p:b", "k", "v",
+          "--delete", "//*[@k='v']", "--insert-first", "/*", "<p:f/>",
+          "--insert-before", "//p:f", "<g/>", "--insert-after", "//p:f", "1",
+          "--insert-last", "/*", "<h/>", "--set", "//comment()", "-n", "edit.xml"], 0,
+         edited('<p:a p:i="2">x</p:a><!--c-->', "<g/><p:f/>1<!---n-->", "</r>", "<h/></r>")),
+    Case("edit --delete //gone --delete //comment() edit.xml", 1,
+         err="tessel: edit.xml: nothing found: //gone\n"),
+    Case("edit edit.xml", 2, err="at least one edit is required\n" + RUN_HELP),
+    Case("edit --delete //x cat.xml edit.xml", 2, err=re.compile(f".*--in-place only\n{RUN_HELP}")),
     # Codes.
     Case("explain -2766", 0, """\
 domErrXPathContext (-2766)
@@ -224,7 +337,9 @@ class ClientTest(unittest.TestCase):
                               stderr=options.pop("stderr", subprocess.PIPE), **options)
 
     def check_text(self, want, got):
-        if isinstance(want, re.Pattern):
+        if isinstance(want, Same):
+            self.assertEqual(want.canonical(), Same(got.decode()).canonical())
+        elif isinstance(want, re.Pattern):
             self.assertRegex(got.decode(), re.compile(f"\\A(?:{want.pattern})\\Z", want.flags))
         else:
             self.assertEqual(want if isinstance(want, bytes) else want.encode(), got)
@@ -304,14 +419,83 @@ class ClientTest(unittest.TestCase):
 
     # -- Files that are replaced -------------------------------------------------
 
-    def test_in_place_keeps_mode_and_link(self):
-        os.chmod(self.path("nested.xml"), 0o640)
+    def delete_in_place(self, name, **options):
+        result = self.run_client(f"delete --in-place {name} //a", **options)
+        return result.returncode, result.stdout, result.stderr.decode()
+
+    def test_in_place_keeps_what_the_file_has(self):
+        path = self.path("nested.xml")
+        # Read and write for the owner and for user 7, nothing for others, by an access list
+        # whose mask stands where the mode has the group's rights.
+        access = struct.pack("<I" + "HHI" * 5, 2, 1, 6, 2**32 - 1, 2, 6, 7, 4, 0, 2**32 - 1,
+                             16, 6, 2**32 - 1, 32, 0, 2**32 - 1)
+        kept = {"user.origin": b"quarry\0", "system.posix_acl_access": access}
+        try:
+            for name, value in kept.items():
+                os.setxattr(path, name, value)
+        except OSError:
+            kept = {}
+            os.chmod(path, 0o640)
+        if os.geteuid() == 0:
+            os.chown(path, 7, 8)
         os.symlink("nested.xml", self.path("link.xml"))
-        result = self.run_client("delete --in-place link.xml //a")
-        self.assertEqual((0, b"", b""), (result.returncode, result.stdout, result.stderr))
-        self.assertEqual((HEAD + "<r><b/></r>").encode(), self.read("nested.xml"))
-        self.assertEqual(0o640, stat.S_IMODE(os.stat(self.path("nested.xml")).st_mode))
+        before = os.stat(path)
+        self.assertEqual((0, b"", ""), self.delete_in_place("link.xml"))
+        self.check_text(Same("<r><b/></r>"), self.read("nested.xml"))
+        now = os.stat(path)
+        self.assertEqual((before.st_mode, before.st_uid, before.st_gid),
+                         (now.st_mode, now.st_uid, now.st_gid))
+        self.assertEqual(kept, {name: os.getxattr(path, name) for name in kept})
         self.assertTrue(os.path.islink(self.path("link.xml")))
+
+    def test_in_place_takes_no_rights_from_the_folder(self):
+        access = struct.pack("<I" + "HHI" * 5, 2, 1, 7, 2**32 - 1, 2, 7, 7, 4, 7, 2**32 - 1,
+                             16, 7, 2**32 - 1, 32, 7, 2**32 - 1)
+        try:
+            os.setxattr(self.folder, "system.posix_acl_default", access)
+        except OSError:
+            self.skipTest("no access lists here")
+        self.assertEqual((0, b"", ""), self.delete_in_place("nested.xml"))
+        self.assertEqual([], os.listxattr(self.path("nested.xml")))
+
+    def test_in_place_splits_no_links(self):
+        os.link(self.path("nested.xml"), self.path("twin.xml"))
+        os.symlink("nowhere.xml", self.path("dangling.xml"))
+        before = self.read("nested.xml")
+        status, _, error = self.delete_in_place("nested.xml")
+        self.assertEqual(1, status)
+        self.assertRegex(error, r"\Atessel: nested\.xml: .*hard links.*\n\Z")
+        result = self.run_client("format -o dangling.xml nested.xml")
+        dangling = f"tessel: dangling.xml: it is a link that leads nowhere: {NOT_FOUND}\n"
+        self.assertEqual((1, dangling), (result.returncode, result.stderr.decode()))
+        self.assertEqual(before, self.read("twin.xml"))
+        self.assertTrue(os.path.islink(self.path("dangling.xml")))
+
+    def test_many_files_are_changed_each_by_itself(self):
+        with open(self.path("other.xml"), "w") as file:
+            file.write("<x/>")
+        result = self.run_client("edit --in-place --delete //a "
+                                 "nested.xml other.xml gone.xml spaces.xml")
+        said = f"tessel: other.xml: nothing found: //a\ntessel: gone.xml: {NOT_FOUND}\n"
+        self.assertEqual((1, said), (result.returncode, result.stderr.decode()))
+        self.assertEqual(b"<x/>", self.read("other.xml"))
+        for name in ("nested.xml", "spaces.xml"):
+            self.assertNotIn(b"<a", self.read(name))
+
+    def test_a_signal_leaves_no_file_behind(self):
+        with open(self.path("wide.xml"), "w") as file:
+            file.write("<a>" + "<b>text</b>" * 200000 + "</a>")
+        before, names = self.read("wide.xml"), sorted(os.listdir(self.folder))
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            process = subprocess.Popen([CLIENT, "set", "--in-place", "wide.xml", "/a/b[1]", "x"],
+                                       cwd=self.folder, stderr=subprocess.DEVNULL)
+            # Until the new file is there, or the client was faster.
+            while process.poll() is None and len(os.listdir(self.folder)) == len(names):
+                pass
+            process.send_signal(number)
+            self.assertIn(process.wait(), (0, -number))
+            self.assertEqual(names, sorted(os.listdir(self.folder)))
+            self.assertTrue(self.read("wide.xml") == before or b"<b>x</b>" in self.read("wide.xml"))
 
     def test_output_file(self):
         result = self.run_client("format -o new.xml nested.xml", umask=0o027)
@@ -342,7 +526,8 @@ class ClientTest(unittest.TestCase):
                                     **other).returncode != 0:
             self.skipTest("nobody may not run the client where it is")
         with self.subTest("unwritable directory"):
-            self.check_kept(f"{target}: Permission denied", **other)
+            self.check_kept(f"{os.path.dirname(target)}: no file can be made in this folder: "
+                            "Permission denied", **other)
         with self.subTest("write-protected file"):
             os.chmod(self.folder, 0o777)
             os.chmod(self.path("cat.xml"), 0o444)

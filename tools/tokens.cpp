@@ -1,0 +1,71 @@
+#include "tokens.h"
+
+#include <algorithm>
+
+namespace {
+
+// The size up to and with the end mark.
+size_t Through(std::string_view text, std::string_view mark) {
+  const size_t at = text.find(mark);
+  return at == text.npos ? text.size() : at + mark.size();
+}
+
+// To the ">" that stands in no literal.
+size_t TagSize(std::string_view text) {
+  char quote = '\0';
+  for (size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (quote != '\0') {
+      if (c == quote) quote = '\0';
+    } else if (c == '"' || c == '\'') {
+      quote = c;
+    } else if (c == '>') {
+      return i + 1;
+    }
+  }
+  return text.size();
+}
+
+// A document type holds declarations in brackets, and these comments and literals.
+size_t DocumentTypeSize(std::string_view text) {
+  bool isInside = false;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const std::string_view rest = text.substr(i);
+    if (rest.starts_with("<!--")) {
+      i += Through(rest, "-->") - 1;
+    } else if (rest.starts_with("<?")) {
+      i += Through(rest, "?>") - 1;
+    } else if (rest[0] == '"' || rest[0] == '\'') {
+      i += Through(rest.substr(1), rest.substr(0, 1));
+    } else if (rest[0] == '[' || rest[0] == ']') {
+      isInside = rest[0] == '[';
+    } else if (rest[0] == '>' && !isInside) {
+      return i + 1;
+    }
+  }
+  return text.size();
+}
+
+CToken First(std::string_view xml) {
+  const auto token = [&](EToken kind, size_t size) { return CToken{kind, xml.substr(0, size)}; };
+  if (xml[0] != '<') return token(EToken::kText, std::min(xml.find('<'), xml.size()));
+  if (xml.starts_with("<!--")) return token(EToken::kComment, Through(xml, "-->"));
+  if (xml.starts_with("<?")) return token(EToken::kInstruction, Through(xml, "?>"));
+  if (xml.starts_with("<![")) return token(EToken::kCDATA, Through(xml, "]]>"));
+  if (xml.starts_with("<!")) return token(EToken::kDocumentType, DocumentTypeSize(xml));
+  if (xml.starts_with("</")) return token(EToken::kEnd, Through(xml, ">"));
+  const size_t size = TagSize(xml);
+  const bool isEmpty = size > 1 && xml[size - 2] == '/';
+  return token(isEmpty ? EToken::kEmpty : EToken::kStart, size);
+}
+
+}  // namespace
+
+std::vector<CToken> Tokens(std::string_view xml) {
+  std::vector<CToken> tokens;
+  while (!xml.empty()) {
+    tokens.push_back(First(xml));
+    xml.remove_prefix(tokens.back().m_Text.size());
+  }
+  return tokens;
+}

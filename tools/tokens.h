@@ -1,0 +1,27 @@
+// The pieces of a document's text, as a writer made it or a parser accepted it.
+#ifndef TESSEL_TOOLS_TOKENS_H
+#define TESSEL_TOOLS_TOKENS_H
+
+#include <string_view>
+#include <vector>
+
+enum class EToken {
+  kText,  // references and all
+  kStart,
+  kEmpty,  // a start tag that ends its element
+  kEnd,
+  kCDATA,
+  kComment,
+  kInstruction,  // the XML declaration, too
+  kDocumentType
+};
+
+struct CToken {
+  EToken m_Kind;
+  std::string_view m_Text;  // from the first to the last character
+};
+
+// All pieces of text in UTF-8 that is known to be well-formed.
+std::vector<CToken> Tokens(std::string_view xml);
+
+#endif
