@@ -14,7 +14,7 @@
 // The argument that no function reads is left out, and so are the outs: they hold junk
 // before the call, and are told in their order, "left" where the junk is still there. A
 // failure tells its code and no out that is reset as it should be. "~" stands before a
-// node that hangs nowhere.
+// node that hangs nowhere. Statements after "before:" come before every row that follows.
 #include <fstream>
 
 #include "answers/script.h"
@@ -29,6 +29,7 @@ struct CRow {
   std::string m_Where;
   std::string m_Document;
   bool m_Namespaces;
+  std::string m_Before;
   std::vector<std::string> m_Parts;  // the call, its answer, and the tree if that changes
 };
 
@@ -61,6 +62,7 @@ std::vector<std::pair<int, std::string>> LinesOf(const std::string& name) {
 std::vector<CRow> RowsOf(const std::string& family) {
   const std::string name = TESSEL_ANSWERS + family + ".rows";
   const std::string plain = "document: ", namespaces = "document with namespaces: ";
+  const std::string before = "before: ";
   std::vector<CRow> rows;
   CRow row;
   for (const auto& [number, line] : LinesOf(name)) {
@@ -68,6 +70,11 @@ std::vector<CRow> RowsOf(const std::string& family) {
     if (line.starts_with(plain) || line.starts_with(namespaces)) {
       row.m_Namespaces = line.starts_with(namespaces);
       row.m_Document = line.substr((row.m_Namespaces ? namespaces : plain).size());
+      row.m_Before.clear();
+      continue;
+    }
+    if (line.starts_with(before)) {
+      row.m_Before = line.substr(before.size());
       continue;
     }
     row.m_Parts = PartsOf(line);
@@ -86,6 +93,7 @@ void Expect(const CRow& row, const char* pWhat, const std::string& found,
 
 void Check(const CRow& row) {
   answers::CScene scene(row.m_Document, row.m_Namespaces);
+  scene.Run(row.m_Before);
   const std::string before = scene.Tree();
   Expect(row, "answers ", scene.Run(row.m_Parts[0]), row.m_Parts.at(1));
   Expect(row, "leaves ", scene.Tree(), row.m_Parts.size() > 2 ? row.m_Parts[2] : before);

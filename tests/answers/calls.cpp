@@ -71,17 +71,19 @@ void EmptyArray(GenericRefObjSessionArray* pArray) { ClearSessionArray(pArray); 
 
 int32_t DisposeOfArray(GenericRefObjSessionArray* pArray) { return ClearArray(pArray); }
 
-int32_t Versions(HStr* pAll) {
+// The names before the versions.
+int32_t Versions(HStr* pNames) {
   HStrArray versions = nullptr;
   const int32_t status = nKelVersion_TESSEL_getVersionStringArray(&versions);
-  std::string all;
+  std::string names;
   for (int32_t i = 0; versions != nullptr && i < (*versions)->count; ++i) {
     HStr& item = (*versions)->items[i];
-    all += std::string(i == 0 ? "" : ", ").append((*item)->bytes, (*item)->bytes + (*item)->count);
+    const std::string text((*item)->bytes, (*item)->bytes + (*item)->count);
+    names += (i == 0 ? "" : ", ") + text.substr(0, text.find(' '));
     ClearString(&item);
   }
   ClearArray(&versions);
-  HostStringFromPtr(pAll, static_cast<int32_t>(all.size()), all.data());
+  HostStringFromPtr(pNames, static_cast<int32_t>(names.size()), names.data());
   return status;
 }
 

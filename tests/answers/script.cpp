@@ -111,6 +111,7 @@ std::string CScene::Tree() const {
 }
 
 std::string CScene::FileOf(std::string_view name) {
+  if (name.starts_with('/')) return std::string(name);
   std::filesystem::create_directory(m_Folder.Name());
   return m_Folder.Name() + "/" + std::string(name);
 }
