@@ -1,61 +1,19 @@
 #include <tessel/characterdata.h>
 #include <tessel/status.h>
 
-#include <algorithm>
-
 #include "api/frame.h"
 #include "api/outs.h"
-#include "document/release.h"
-#include "registry/nodetree.h"
+#include "dom/text.h"
 
 using xercesc::DOMCharacterData;
-using xercesc::DOMException;
 using xercesc::DOMNode;
 using xercesc::DOMProcessingInstruction;
 using xercesc::DOMText;
 
 namespace {
 
-using CMapsIndex = Maps<DOMException::INDEX_SIZE_ERR, DOMException::NO_MODIFICATION_ALLOWED_ERR>;
-using CMapsReadOnly = Maps<DOMException::NO_MODIFICATION_ALLOWED_ERR>;
-
 // Widened with its sign, so that a negative offset is far outside every text.
 XMLSize_t Widen(int32_t count) { return static_cast<XMLSize_t>(static_cast<int64_t>(count)); }
-
-// The DOM copies as many units as it is told into a buffer sized for the text, so
-// it is told no more than there are. A bad offset is for the DOM to refuse.
-XMLSize_t CountWithin(const DOMCharacterData& data, XMLSize_t offset, XMLSize_t count) {
-  const XMLSize_t length = data.getLength();
-  return offset > length ? count : std::min(count, length - offset);
-}
-
-// The text content of a node, as the DOM defines it. The DOM's own operation keeps
-// a copy in the document at every call, recurses, and crashes for a document type
-// that no document has taken.
-std::u16string TextContent(DOMNode& node) {
-  std::u16string text;
-  const auto append = [&](const DOMNode& part) {
-    if (part.getNodeValue() != nullptr) text += part.getNodeValue();
-  };
-  switch (node.getNodeType()) {
-    case DOMNode::ELEMENT_NODE:
-    case DOMNode::ENTITY_NODE:
-    case DOMNode::ENTITY_REFERENCE_NODE:
-    case DOMNode::DOCUMENT_FRAGMENT_NODE:
-      nodetree::ForEachChild(&node, [&](const DOMNode* pNode) {
-        const auto type = pNode->getNodeType();
-        if (type == DOMNode::TEXT_NODE || type == DOMNode::CDATA_SECTION_NODE) append(*pNode);
-      });
-      break;
-    case DOMNode::DOCUMENT_NODE:
-    case DOMNode::DOCUMENT_TYPE_NODE:
-    case DOMNode::NOTATION_NODE:
-      break;
-    default:
-      append(node);
-  }
-  return text;
-}
 
 }  // namespace
 
@@ -81,10 +39,8 @@ TSXStatus TSXSetCharacterDataData(TSXRefId node, uint64_t, HStr* dataIn) {
 
 TSXStatus TSXGetSubstringData(TSXRefId node, int32_t offset, int32_t count, HStr* dataOut) {
   return Get<DOMCharacterData, Maps<DOMException::INDEX_SIZE_ERR>>(
-      node, domErrRefGetSubstringData, CForgivingStringOut(dataOut), [&](auto& data) {
-        const XMLSize_t start = Widen(offset);
-        return data.substringData(start, CountWithin(data, start, Widen(count)));
-      });
+      node, domErrRefGetSubstringData, CForgivingStringOut(dataOut),
+      [&](auto& data) { return dom::Substring(data, Widen(offset), Widen(count)); });
 }
 
 TSXStatus TSXAppendData(TSXRefId node, HStr* dataIn) {
@@ -112,21 +68,16 @@ TSXStatus TSXReplaceData(TSXRefId node, int32_t offset, int32_t count, HStr* dat
 
 TSXStatus TSXSplitText(TSXRefId node, int32_t offset, TSXRefId* textOut) {
   return Get<DOMText, CMapsIndex>(node, domErrRefSplitText, CNodeOut(textOut),
-                                  [&](auto& text) { return text.splitText(Widen(offset)); });
+                                  [&](auto& text) { return &dom::SplitText(text, Widen(offset)); });
 }
 
 TSXStatus TSXGetText(TSXRefId node, HStr* textOut) {
-  return Get<DOMNode,
-             Maps<DOMException::DOMSTRING_SIZE_ERR, DOMException::NO_MODIFICATION_ALLOWED_ERR>>(
-      node, domErrRefGetText, CForgivingStringOut(textOut), [](auto& n) { return TextContent(n); });
+  return Get<DOMNode, CMapsText>(node, domErrRefGetText, CForgivingStringOut(textOut),
+                                 dom::TextContent);
 }
 
 TSXStatus TSXSetText(TSXRefId node, HStr* textIn) {
-  return Do<DOMNode,
-            Maps<DOMException::DOMSTRING_SIZE_ERR, DOMException::NO_MODIFICATION_ALLOWED_ERR>>(
-      node, domErrRefSetText,
-      [](auto& n, auto* pText) { SetReplacingChildren(n, [&] { n.setTextContent(pText); }); },
-      textIn);
+  return Do<DOMNode, CMapsText>(node, domErrRefSetText, dom::SetTextContent, textIn);
 }
 
 TSXStatus TSXGetData(TSXRefId instruction, uint64_t, HStr* dataOut) {

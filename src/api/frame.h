@@ -1,7 +1,13 @@
-// The frame that the exported node functions share: reset the out, find the node and
-// check its kind, convert the strings, make the one DOM call with no lock held, map
-// what it throws, store the result. A function supplies its interface,
-// its guard, its reference code, its out, the call, and the strings in.
+// The two frames that the exported functions share.
+//
+// For calls on one id: reset the out, find the node and check its kind, convert the
+// strings, make the one DOM call with no lock held, map what it throws, store the result.
+// A function supplies its interface, its guard, its reference code, its out, the call,
+// and the strings in.
+//
+// For calls on several: find all in their order, give the code of the first that is
+// missing, make the call, map what it throws. A function supplies its guard, the call,
+// and a list of which id must be of which kind and what code it has.
 #pragma once
 
 #include <tessel/export.h>
@@ -9,21 +15,9 @@
 #include <tuple>
 #include <type_traits>
 
-#include "document/depth.h"
+#include "api/guards.h"
 #include "document/find.h"
-#include "host/guards.h"
 #include "host/text.h"
-
-// The call cannot raise, but it recurses: a tree too deep for the stack is unexpected.
-struct GuardsDepth {
-  template <class Call>
-  static TSXStatus Run(Call&& call) try {
-    call();
-    return 0;
-  } catch (const depth::CTooDeep&) {
-    return domErrUnexpected;
-  }
-};
 
 namespace frame {
 
@@ -49,11 +43,13 @@ TSXStatus FailCall(Out& out, TSXStatus status) {
 
 }  // namespace frame
 
+// -- One id -----------------------------------------------------------------------
+
 // A call with a result.
 template <class Interface, class Guard, class Out, class Call, class... Strings>
 TSXStatus Get(TSXRefId id, TSXStatus badReference, Out out, Call domCall, Strings*... pStrings) {
-  Interface* pNode = FindObject<Interface>(id);
-  if (pNode == nullptr) return out.Fail(badReference);
+  const auto pNode = FindObject<Interface>(id);
+  if (!pNode) return out.Fail(badReference);
   return frame::WithTexts(
       [&](auto... pTexts) {
         std::invoke_result_t<Call, Interface&, decltype(pTexts)...> result{};
@@ -66,8 +62,63 @@ TSXStatus Get(TSXRefId id, TSXStatus badReference, Out out, Call domCall, String
 // A call without a result.
 template <class Interface, class Guard, class Call, class... Strings>
 TSXStatus Do(TSXRefId id, TSXStatus badReference, Call domCall, Strings*... pStrings) {
-  Interface* pNode = FindObject<Interface>(id);
-  if (pNode == nullptr) return badReference;
+  const auto pNode = FindObject<Interface>(id);
+  if (!pNode) return badReference;
   return frame::WithTexts(
       [&](auto... pTexts) { return Guard::Run([&] { domCall(*pNode, pTexts...); }); }, pStrings...);
+}
+
+// -- Several ids ------------------------------------------------------------------
+
+// An id that must name an object of a kind; the call gets the object.
+template <class Interface>
+class CRef {
+ public:
+  CRef(TSXRefId id, TSXStatus badReference)
+      : m_pObject(FindObject<Interface>(id)), m_BadReference(badReference) {}
+  TSXStatus Missing() const { return m_pObject ? 0 : m_BadReference; }
+  auto& Get() const { return *m_pObject; }
+
+ private:
+  decltype(FindObject<Interface>(0)) m_pObject;
+  TSXStatus m_BadReference;
+};
+
+// An id that may name nothing; the call gets a pointer.
+class CUncheckedRef {
+ public:
+  explicit CUncheckedRef(TSXRefId id) : m_pNode(FindObject<xercesc::DOMNode>(id)) {}
+  static TSXStatus Missing() { return 0; }
+  xercesc::DOMNode* Get() const { return m_pNode; }
+
+ private:
+  xercesc::DOMNode* m_pNode;
+};
+
+// The ids of a call come as a tuple made in braces, which looks them up in their order.
+namespace frame {
+
+template <class... Refs>
+TSXStatus FirstMissing(const std::tuple<Refs...>& refs) {
+  TSXStatus missing = 0;
+  const auto look = [&](const auto& ref) { return (missing = ref.Missing()) != 0; };
+  std::apply([&](const auto&... ref) { static_cast<void>((look(ref) || ...)); }, refs);
+  return missing;
+}
+
+}  // namespace frame
+
+template <class Guard, class... Refs, class Call>
+TSXStatus DoAll(const std::tuple<Refs...>& refs, Call call) {
+  const TSXStatus missing = frame::FirstMissing(refs);
+  if (missing != 0) return missing;
+  return Guard::Run([&] { std::apply([&](const auto&... ref) { call(ref.Get()...); }, refs); });
+}
+
+// A call that gives a node, or null.
+template <class Guard, class Out, class... Refs, class Call>
+TSXStatus GetAll(Out out, const std::tuple<Refs...>& refs, Call call) {
+  const TSXStatus status = DoAll<Guard>(
+      refs, [&](auto&&... objects) { static_cast<void>(out.Store(call(objects...))); });
+  return status == 0 ? 0 : out.Fail(status);
 }

@@ -3,26 +3,13 @@
 
 #include "api/frame.h"
 #include "api/outs.h"
-#include "document/depth.h"
-#include "document/release.h"
-#include "document/takentypes.h"
+#include "dom/copy.h"
+#include "dom/edit.h"
+#include "dom/release.h"
 
-using xercesc::DOMDocument;
-using xercesc::DOMException;
 using xercesc::DOMNode;
 
 namespace {
-
-using CMapsName = Maps<DOMException::INVALID_CHARACTER_ERR>;
-using CMapsSupport = Maps<DOMException::NOT_SUPPORTED_ERR>;
-using CMapsNameSupport = Maps<DOMException::INVALID_CHARACTER_ERR, DOMException::NOT_SUPPORTED_ERR>;
-using CMapsQualifiedName = Maps<DOMException::INVALID_CHARACTER_ERR,
-                                DOMException::NOT_SUPPORTED_ERR, DOMException::NAMESPACE_ERR>;
-using CMapsInsert = Maps<DOMException::HIERARCHY_REQUEST_ERR, DOMException::WRONG_DOCUMENT_ERR,
-                         DOMException::NO_MODIFICATION_ALLOWED_ERR>;
-using CMapsInsertAt = Maps<DOMException::HIERARCHY_REQUEST_ERR, DOMException::WRONG_DOCUMENT_ERR,
-                           DOMException::NO_MODIFICATION_ALLOWED_ERR, DOMException::NOT_FOUND_ERR>;
-using CMapsRemove = Maps<DOMException::NO_MODIFICATION_ALLOWED_ERR, DOMException::NOT_FOUND_ERR>;
 
 // Registers what a document makes and remembers that no tree owns it yet.
 template <class Guard, class Call, class... Strings>
@@ -53,34 +40,6 @@ TSXStatus CreateIn(TSXRefId document, TSXRefId* pNodeOut, TSXStatus badDocument,
 }
 
 bool IsGiven(const HStr* pString) { return *pString != nullptr; }
-
-// Puts a node into a tree, which owns it from then on.
-template <class Guard, class Call>
-TSXStatus Attach(DOMNode* pNew, Call attach) {
-  const COfferedNode offered(pNew);
-  const TSXStatus status = Guard::Run([&] {
-    attach();
-    g_NodeDomMap.DeleteByNode(pNew);
-  });
-  const TSXStatus tied = Guard::Run([&] { offered.Tie(); });
-  return status != 0 ? status : tied;
-}
-
-// The DOM looks for the new child from the parent's parent upwards only, and would
-// make a ring of a node that is put into itself.
-void RequireOther(const DOMNode* pParent, const DOMNode* pNew) {
-  if (pNew == pParent) throw DOMException(DOMException::HIERARCHY_REQUEST_ERR);
-}
-
-// A child that takes its own place is removed: insertion before itself does nothing. A
-// document would go on to call it its element or its type.
-void ReplaceChild(DOMNode& parent, DOMNode* pNew, DOMNode* pOld) {
-  if (pNew == pOld) {
-    parent.removeChild(pOld);
-  } else {
-    parent.replaceChild(pNew, pOld);
-  }
-}
 
 }  // namespace
 
@@ -157,68 +116,60 @@ TSXStatus TSXCreateDocumentFragment(TSXRefId document, TSXRefId* fragmentOut) {
                              [](auto& doc) { return doc.createDocumentFragment(); });
 }
 
+// Contract: the source is entered, not the copy.
 TSXStatus TSXImportNode(TSXRefId document, TSXRefId source, const uint8_t* deep,
                         TSXRefId* copyOut) {
-  CNodeOut out(copyOut);
-  auto* pDom = FindObject<CXercesDOM>(document);
-  auto* pSource = FindObject<DOMNode>(source);
-  if (pDom == nullptr) return domErrRefImportNode;
-  if (pSource == nullptr) return domErrRefImportNodeArg;
-  const TSXStatus status = CMapsSupport::Run([&] {
-    if (*deep != 0) depth::RequireRoom(*pSource, depth::kImportLevel);
-    DOMNode* pCopy = pDom->m_pDoc->importNode(pSource, *deep != 0);
-    if (pCopy == nullptr) return;
-    out.Store(pCopy);
-    // Contract: the source is entered, not the copy.
-    g_NodeDomMap.Insert(pSource, pDom);
-  });
-  return status == 0 ? 0 : out.Fail(status);
+  return GetAll<CMapsSupport>(CNodeOut(copyOut),
+                              std::tuple{CRef<CXercesDOM>(document, domErrRefImportNode),
+                                         CRef<DOMNode>(source, domErrRefImportNodeArg)},
+                              [&](auto& dom, auto& from) {
+                                DOMNode* pCopy = dom::Import(*dom.m_pDoc, from, *deep != 0);
+                                g_NodeDomMap.Insert(&from, &dom);
+                                return pCopy;
+                              });
 }
 
+// Contract: a node that is to be appended to itself is a missing child.
 TSXStatus TSXAppendChild(TSXRefId parent, TSXRefId child) {
-  auto* pParent = FindObject<DOMNode>(parent);
-  auto* pChild = FindObject<DOMNode>(child);
-  if (pParent == nullptr) return domErrRefAppendChild;
-  if (pChild == nullptr || pChild == pParent) return domErrRefAppendChildArg;
-  return Attach<CMapsInsert>(pChild, [&] { pParent->appendChild(pChild); });
+  return DoAll<CMapsAppend>(
+      std::tuple{CRef<DOMNode>(parent, domErrRefAppendChild),
+                 CRef<DOMNode>(child != parent ? child : 0, domErrRefAppendChildArg)},
+      [](auto& parentNode, auto& childNode) {
+        dom::InsertBefore(parentNode, childNode, nullptr);
+        g_NodeDomMap.DeleteByNode(&childNode);
+      });
 }
 
 // Contract: the reference child stands before the new child, against the order of
 // the DOM call, and is not checked: one that names nothing appends at the end.
 TSXStatus TSXInsertBefore(TSXRefId parent, TSXRefId referenceChild, TSXRefId newChild) {
-  auto* pParent = FindObject<DOMNode>(parent);
-  auto* pReference = FindObject<DOMNode>(referenceChild);
-  auto* pNew = FindObject<DOMNode>(newChild);
-  if (pParent == nullptr) return domErrRefImportNode;
-  if (pNew == nullptr) return domErrRefImportNodeArg;
-  return Attach<CMapsInsertAt>(pNew, [&] {
-    RequireOther(pParent, pNew);
-    pParent->insertBefore(pNew, pReference);
-  });
+  return DoAll<CMapsInsert>(
+      std::tuple{CRef<DOMNode>(parent, domErrRefImportNode), CUncheckedRef(referenceChild),
+                 CRef<DOMNode>(newChild, domErrRefImportNodeArg)},
+      [](auto& parentNode, auto* pReference, auto& childNode) {
+        dom::InsertBefore(parentNode, childNode, pReference);
+        g_NodeDomMap.DeleteByNode(&childNode);
+      });
 }
 
 TSXStatus TSXReplaceChild(TSXRefId parent, TSXRefId newChild, TSXRefId oldChild) {
-  auto* pParent = FindObject<DOMNode>(parent);
-  auto* pNew = FindObject<DOMNode>(newChild);
-  auto* pOld = FindObject<DOMNode>(oldChild);
-  if (pParent == nullptr) return domErrRefReplaceChild;
-  if (pNew == nullptr) return domErrRefReplaceChildNew;
-  if (pOld == nullptr) return domErrRefReplaceChildOld;
-  return Attach<CMapsInsertAt>(pNew, [&] {
-    RequireOther(pParent, pNew);
-    ReplaceChild(*pParent, pNew, pOld);
-    // Contract: an entry that the old child had stays; none is made for it.
-    g_NodeDomMap.Insert(pOld, g_NodeDomMap.GetDomByNode(pOld));
-  });
+  return DoAll<CMapsInsert>(std::tuple{CRef<DOMNode>(parent, domErrRefReplaceChild),
+                                       CRef<DOMNode>(newChild, domErrRefReplaceChildNew),
+                                       CRef<DOMNode>(oldChild, domErrRefReplaceChildOld)},
+                            [](auto& parentNode, auto& childNode, auto& oldNode) {
+                              dom::ReplaceChild(parentNode, childNode, oldNode);
+                              g_NodeDomMap.DeleteByNode(&childNode);
+                              // Contract: an entry that the old child had stays; none is
+                              // made for it. A host sees the locks of both calls.
+                              g_NodeDomMap.Insert(&oldNode, g_NodeDomMap.GetDomByNode(&oldNode));
+                            });
 }
 
 TSXStatus TSXRemoveChild(TSXRefId parent, TSXRefId child) {
-  auto* pParent = FindObject<DOMNode>(parent);
-  auto* pChild = FindObject<DOMNode>(child);
-  if (pParent == nullptr) return domErrRefRemoveChild;
-  if (pChild == nullptr) return domErrRefRemoveChildArg;
-  return CMapsRemove::Run([&] {
-    DOMNode* pRemoved = pParent->removeChild(pChild);
-    if (pRemoved != nullptr && g_NodeSessMap.DeleteBySess(child)) ReleaseNode(pRemoved);
-  });
+  return DoAll<CMapsRemove>(std::tuple{CRef<DOMNode>(parent, domErrRefRemoveChild),
+                                       CRef<DOMNode>(child, domErrRefRemoveChildArg)},
+                            [&](auto& parentNode, auto& childNode) {
+                              dom::RemoveChild(parentNode, childNode);
+                              if (g_NodeSessMap.DeleteBySess(child)) dom::Release(childNode);
+                            });
 }

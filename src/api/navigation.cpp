@@ -3,51 +3,33 @@
 
 #include "api/frame.h"
 #include "api/outs.h"
-#include "document/depth.h"
+#include "dom/copy.h"
+#include "dom/look.h"
+#include "dom/text.h"
 
 using xercesc::DOMAttr;
-using xercesc::DOMDocumentType;
 using xercesc::DOMNode;
 
-namespace {
-
-// The DOM crashes when it is to clone a document type that no document has taken.
-// Such a type is no more than its names, so one made of them is its clone.
-DOMNode* Clone(const DOMNode& node, bool deep) {
-  if (deep) depth::RequireRoom(node, depth::kCloneLevel);
-  if (node.getNodeType() != DOMNode::DOCUMENT_TYPE_NODE || node.getOwnerDocument() != nullptr) {
-    return node.cloneNode(deep);
-  }
-  const auto& type = static_cast<const DOMDocumentType&>(node);
-  return xercesc::DOMImplementation::getImplementation()->createDocumentType(
-      type.getName(), type.getPublicId(), type.getSystemId());
-}
-
-}  // namespace
-
 TSXStatus TSXGetParentNode(TSXRefId node, uint64_t, TSXRefId* parentOut) {
-  return Get<DOMNode, Unguarded>(node, domErrRefGetParentNode, CNodeOut(parentOut),
-                                 [](auto& n) { return n.getParentNode(); });
+  return Get<DOMNode, Unguarded>(node, domErrRefGetParentNode, CNodeOut(parentOut), dom::Parent);
 }
 
 TSXStatus TSXGetFirstChild(TSXRefId node, uint64_t, TSXRefId* childOut) {
-  return Get<DOMNode, Unguarded>(node, domErrRefGetFirstChild, CNodeOut(childOut),
-                                 [](auto& n) { return n.getFirstChild(); });
+  return Get<DOMNode, Unguarded>(node, domErrRefGetFirstChild, CNodeOut(childOut), dom::FirstChild);
 }
 
 TSXStatus TSXGetLastChild(TSXRefId node, uint64_t, TSXRefId* childOut) {
-  return Get<DOMNode, Unguarded>(node, domErrRefGetLastChild, CNodeOut(childOut),
-                                 [](auto& n) { return n.getLastChild(); });
+  return Get<DOMNode, Unguarded>(node, domErrRefGetLastChild, CNodeOut(childOut), dom::LastChild);
 }
 
 TSXStatus TSXGetNextSibling(TSXRefId node, uint64_t, TSXRefId* siblingOut) {
   return Get<DOMNode, Unguarded>(node, domErrRefGetNextSibling, CNodeOut(siblingOut),
-                                 [](auto& n) { return n.getNextSibling(); });
+                                 dom::NextSibling);
 }
 
 TSXStatus TSXGetPreviousSibling(TSXRefId node, uint64_t, TSXRefId* siblingOut) {
   return Get<DOMNode, Unguarded>(node, domErrRefGetPreviousSibling, CNodeOut(siblingOut),
-                                 [](auto& n) { return n.getPreviousSibling(); });
+                                 dom::PreviousSibling);
 }
 
 // The document object, not the document node: what the host may pass on to the
@@ -55,7 +37,7 @@ TSXStatus TSXGetPreviousSibling(TSXRefId node, uint64_t, TSXRefId* siblingOut) {
 TSXStatus TSXGetOwnerDocument(TSXRefId node, uint64_t, TSXRefId* documentOut) {
   return Get<DOMNode, Unguarded>(
       node, domErrRefGetOwnerDocument, CNodeOut(documentOut),
-      [](auto& n) -> DOMNode* { return g_NodeDomMap.GetDomByNode(n.getOwnerDocument()); });
+      [](auto& n) -> DOMNode* { return g_NodeDomMap.GetDomByNode(dom::OwnerDocument(n)); });
 }
 
 TSXStatus TSXGetDocumentElement(TSXRefId document, uint64_t, TSXRefId* elementOut) {
@@ -70,12 +52,12 @@ TSXStatus TSXGetDocType(TSXRefId document, uint64_t, TSXRefId* typeOut) {
 
 TSXStatus TSXOwnerElement(TSXRefId attribute, uint64_t, TSXRefId* elementOut) {
   return Get<DOMAttr, Unguarded>(attribute, domErrRefOwnerElement, CNodeOut(elementOut),
-                                 [](auto& attr) { return attr.getOwnerElement(); });
+                                 dom::OwnerElement);
 }
 
 TSXStatus TSXCloneNode(TSXRefId node, const uint8_t* deep, TSXRefId* cloneOut) {
-  return Get<DOMNode, GuardsDepth>(node, domErrRefCloneNode, CUntouchedNodeOut(cloneOut),
-                                   [&](auto& n) { return Clone(n, *deep != 0); });
+  return Get<DOMNode, Unguarded>(node, domErrRefCloneNode, CUntouchedNodeOut(cloneOut),
+                                 [&](auto& n) { return dom::Clone(n, *deep != 0); });
 }
 
 TSXStatus TSXHasAttributes(TSXRefId node, uint8_t* flagOut) {
@@ -86,7 +68,7 @@ TSXStatus TSXHasAttributes(TSXRefId node, uint8_t* flagOut) {
 // Contract: shares its reference code with TSXHasAttributes.
 TSXStatus TSXHasChildNodes(TSXRefId node, uint8_t* flagOut) {
   return Get<DOMNode, Unguarded>(node, domErrRefHasAttributes, CFlagOut(flagOut),
-                                 [](auto& n) { return n.hasChildNodes(); });
+                                 [](auto& n) { return dom::FirstChild(n) != nullptr; });
 }
 
 TSXStatus TSXGetSpecified(TSXRefId attribute, uint64_t, uint8_t* flagOut) {
@@ -109,5 +91,5 @@ TSXStatus TSXGetNodeType(TSXRefId node, uint64_t, int32_t* typeOut) {
 }
 
 TSXStatus TSXNormalize(TSXRefId node) {
-  return Do<DOMNode, Unguarded>(node, domErrRefNormalize, [](auto& n) { n.normalize(); });
+  return Do<DOMNode, Unguarded>(node, domErrRefNormalize, dom::Normalize);
 }

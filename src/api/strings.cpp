@@ -3,13 +3,14 @@
 
 #include "api/frame.h"
 #include "api/outs.h"
-#include "document/release.h"
+#include "dom/attributes.h"
+#include "dom/look.h"
+#include "dom/text.h"
 
 using xercesc::DOMAttr;
 using xercesc::DOMDocumentType;
 using xercesc::DOMElement;
 using xercesc::DOMEntity;
-using xercesc::DOMException;
 using xercesc::DOMNode;
 using xercesc::DOMNotation;
 using xercesc::DOMProcessingInstruction;
@@ -46,10 +47,8 @@ TSXStatus TSXGetBaseName(TSXRefId node, uint64_t, HStr* nameOut) {
 
 // Contract: the mapped code is dropped; the host sees an empty string.
 TSXStatus TSXGetNodeValue(TSXRefId node, uint64_t, HStr* valueOut) {
-  return Get<DOMNode,
-             Maps<DOMException::DOMSTRING_SIZE_ERR, DOMException::NO_MODIFICATION_ALLOWED_ERR>>(
-      node, domErrRefGetNodeValue, CForgivingStringOut(valueOut),
-      [](auto& n) { return n.getNodeValue(); });
+  return Get<DOMNode, CMapsText>(node, domErrRefGetNodeValue, CForgivingStringOut(valueOut),
+                                 [](auto& n) { return n.getNodeValue(); });
 }
 
 TSXStatus TSXGetTagName(TSXRefId element, uint64_t, HStr* nameOut) {
@@ -63,8 +62,7 @@ TSXStatus TSXName(TSXRefId attribute, uint64_t, HStr* nameOut) {
 }
 
 TSXStatus TSXGetAttrValue(TSXRefId attribute, uint64_t, HStr* valueOut) {
-  return GetString<DOMAttr>(attribute, domErrRefGetAttrValue, valueOut,
-                            [](auto& attr) { return attr.getValue(); });
+  return GetString<DOMAttr>(attribute, domErrRefGetAttrValue, valueOut, dom::Value);
 }
 
 TSXStatus TSXGetTarget(TSXRefId instruction, uint64_t, HStr* targetOut) {
@@ -118,10 +116,7 @@ TSXStatus TSXGetNotationName(TSXRefId entity, uint64_t, HStr* nameOut) {
 }
 
 TSXStatus TSXSetNodeValue(TSXRefId node, uint64_t, HStr* value) {
-  return Do<DOMNode, Maps<DOMException::NO_MODIFICATION_ALLOWED_ERR>>(
-      node, domErrRefSetNodeValue,
-      [](auto& n, auto* pValue) { SetReplacingChildren(n, [&] { n.setNodeValue(pValue); }); },
-      value);
+  return Do<DOMNode, CMapsReadOnly>(node, domErrRefSetNodeValue, dom::SetNodeValue, value);
 }
 
 // Contract: only the namespace error keeps its number; an invalid character or a
@@ -132,8 +127,5 @@ TSXStatus TSXSetPrefixName(TSXRefId node, uint64_t, HStr* prefix) {
 }
 
 TSXStatus TSXSetAttrValue(TSXRefId attribute, uint64_t, HStr* value) {
-  return Do<DOMAttr, Maps<DOMException::NO_MODIFICATION_ALLOWED_ERR>>(
-      attribute, domErrRefSetAttrValue,
-      [](auto& attr, auto* pValue) { SetReplacingChildren(attr, [&] { attr.setValue(pValue); }); },
-      value);
+  return Do<DOMAttr, CMapsReadOnly>(attribute, domErrRefSetAttrValue, dom::SetValue, value);
 }

@@ -7,6 +7,7 @@
 #include <limits>
 #include <vector>
 
+#include "dom/lists.h"
 #include "registry/globals.h"
 
 using xercesc::DOMNamedNodeMap;
@@ -30,27 +31,6 @@ uint64_t* IdsOf(GenericRefObjSessionArray array) {
   return reinterpret_cast<uint64_t*>(reinterpret_cast<unsigned char*>(*array) + kHeader);
 }
 
-// A child list walks from the first child at every index, so its members are found
-// by their siblings. It is the list that its first member's parent gives.
-bool IsChildList(const DOMNodeList& list, const DOMNode* pFirst) {
-  const DOMNode* pParent = pFirst->getParentNode();
-  return pParent != nullptr && pParent->getChildNodes() == &list;
-}
-
-// One pass, without asking for the length: a list by tag name would walk its whole
-// subtree for that alone.
-std::vector<DOMNode*> MembersOf(const DOMNodeList& list) {
-  std::vector<DOMNode*> members;
-  DOMNode* pNode = list.item(0);
-  if (pNode == nullptr) return members;
-  if (IsChildList(list, pNode)) {
-    for (; pNode != nullptr; pNode = pNode->getNextSibling()) members.push_back(pNode);
-  } else {
-    for (XMLSize_t i = 1; pNode != nullptr; pNode = list.item(i++)) members.push_back(pNode);
-  }
-  return members;
-}
-
 }  // namespace
 
 void StoreNodes(std::span<DOMNode* const> nodes, GenericRefObjSessionArray* pArray) {
@@ -66,7 +46,7 @@ void StoreNodes(std::span<DOMNode* const> nodes, GenericRefObjSessionArray* pArr
 
 void TSUNodeListToArray(GenericRefObjSessionArray* array, void* nodeList) {
   if (nodeList == nullptr) return;
-  StoreNodes(MembersOf(*static_cast<const DOMNodeList*>(nodeList)), array);
+  StoreNodes(dom::MembersOf(*static_cast<const DOMNodeList*>(nodeList)), array);
 }
 
 void TSUNamedNodeMapToArray(GenericRefObjSessionArray* array, void* namedNodeMap) {

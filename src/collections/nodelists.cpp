@@ -1,11 +1,9 @@
 #include <tessel/collections.h>
 #include <tessel/status.h>
 
-#include <limits>
-
 #include "api/frame.h"
-#include "collections/elements.h"
 #include "collections/outs.h"
+#include "dom/lists.h"
 
 using xercesc::DOMElement;
 using xercesc::DOMNode;
@@ -31,17 +29,8 @@ bool HasListOfItsOwn(const DOMNode& node) {
   }
 }
 
-// The node itself for a document object, whose lists live in its document.
-const DOMNode& HolderOf(const DOMNode& node) {
-  const auto* pDom = dynamic_cast<const CXercesDOM*>(&node);
-  return pDom != nullptr ? *pDom->DocumentNode() : node;
-}
-
 CHeldList ChildList(DOMNode& node) {
-  DOMNodeList* pList = node.getChildNodes();
-  if (!HasListOfItsOwn(node)) return {pList, nullptr};
-  const bool isDocument = node.getNodeType() == DOMNode::DOCUMENT_NODE;
-  return {pList, isDocument ? &HolderOf(node) : &node};
+  return {node.getChildNodes(), HasListOfItsOwn(node) ? &node : nullptr};
 }
 
 // Lists by tag name, of a document or of an element.
@@ -54,22 +43,11 @@ auto* RootOf(Interface& root) {
   }
 }
 
-// The DOM keeps a list for every element and name that were asked for, with the member
-// last given. A freed element leaves its list, and that member, to the next element at
-// its address. So a list that no id names is sent back to its front, which asking for
-// an index before the first does.
-DOMNodeList* FromItsFront(DOMNodeList* pList) {
-  if (g_NodeListSessMap.HolderOf(pList) == nullptr) {
-    pList->item(std::numeric_limits<XMLSize_t>::max());
-  }
-  return pList;
-}
-
 constexpr auto kByName = [](auto& root, auto* pName) {
-  return FromItsFront(RootOf(root)->getElementsByTagName(pName));
+  return dom::ListByName(*RootOf(root), pName);
 };
 constexpr auto kByNameNS = [](auto& root, auto* pURI, auto* pName) {
-  return FromItsFront(RootOf(root)->getElementsByTagNameNS(pURI, pName));
+  return dom::ListByNameNS(*RootOf(root), pURI, pName);
 };
 
 template <class Interface, class Find, class... Strings>
@@ -84,10 +62,10 @@ TSXStatus GetList(TSXRefId root, TSXStatus badReference, TSXRefId* pListOut, Fin
 }
 
 constexpr auto kAllByName = [](auto& root, auto* pName) {
-  return ElementsByName(*RootOf(root), pName);
+  return dom::ElementsByName(*RootOf(root), pName);
 };
 constexpr auto kAllByNameNS = [](auto& root, auto* pURI, auto* pName) {
-  return ElementsByNameNS(*RootOf(root), pURI, pName);
+  return dom::ElementsByNameNS(*RootOf(root), pURI, pName);
 };
 
 template <class Interface, class Find, class... Strings>

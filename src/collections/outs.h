@@ -4,15 +4,9 @@
 #include <tessel/collections.h>
 #include <tessel/values.h>
 
+#include "api/detached.h"
 #include "api/outs.h"
 #include "collections/fillers.h"
-
-// A collection and the node whose memory it lives in.
-template <class Collection>
-struct CHeld {
-  Collection* m_pCollection = nullptr;
-  const xercesc::DOMNode* m_pHolder = nullptr;
-};
 
 // The id of a list or a map.
 template <class Collection>
@@ -23,8 +17,7 @@ class CHeldOut {
   }
   TSXStatus Fail(TSXStatus status) { return status; }
   TSXStatus Store(CHeld<Collection> held) {
-    *m_pId = held.m_pHolder != nullptr ? m_Registry.InsertHeld(held.m_pCollection, *held.m_pHolder)
-                                       : m_Registry.Insert(held.m_pCollection);
+    *m_pId = m_Registry.InsertHeld(held);
     return 0;
   }
 
@@ -58,16 +51,13 @@ class CArrayOut {
   GenericRefObjSessionArray* m_pArray;
 };
 
-// A node that the call took out of a map: it lives on with its document object,
-// and closing its id frees it.
+// A node that the call took out of a map.
 class CDetachedNodeOut : public CNodeOut {
  public:
   using CNodeOut::CNodeOut;
   TSXStatus Store(xercesc::DOMNode* pNode) {
     const TSXStatus status = CNodeOut::Store(pNode);
-    if (pNode != nullptr) {
-      g_NodeDomMap.Insert(pNode, g_NodeDomMap.GetDomByNode(pNode->getOwnerDocument()));
-    }
+    EnterDetached(pNode);
     return status;
   }
 };

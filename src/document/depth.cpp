@@ -1,10 +1,5 @@
 #include "document/depth.h"
 
-#include <algorithm>
-#include <vector>
-#include <xercesc/dom/impl/DOMCasts.hpp>
-#include <xercesc/dom/impl/DOMNodeImpl.hpp>
-
 #include "host/stackroom.h"
 
 using xercesc::DOMNode;
@@ -35,8 +30,6 @@ void ForEach(const DOMNode& root, Visit visit) {
   }
 }
 
-bool IsReadOnly(const DOMNode& node) { return xercesc::castToNodeImpl(&node)->isReadOnly(); }
-
 std::size_t LevelsThatFit(std::size_t bytesPerLevel) { return StackRoom() / bytesPerLevel; }
 
 }  // namespace
@@ -46,27 +39,6 @@ void RequireRoom(const DOMNode& root, std::size_t bytesPerLevel) {
   ForEach(root, [&](const DOMNode&, std::size_t level) {
     if (level > most) throw CTooDeep();
   });
-}
-
-void Release(DOMNode& root) {
-  // Cut at regular levels, from the deepest: each piece is then shallow. What is inside
-  // an entity reference is read-only and stays there; the parser keeps it shallow.
-  constexpr std::size_t kPiece = 400;
-  std::vector<DOMNode*> pieces;
-  std::size_t deepest = 0;
-  ForEach(root, [&](const DOMNode& node, std::size_t level) {
-    deepest = std::max(deepest, level);
-    if (level != 0 && level % kPiece == 0 && node.getNodeType() == DOMNode::ELEMENT_NODE &&
-        !IsReadOnly(*node.getParentNode())) {
-      pieces.push_back(const_cast<DOMNode*>(&node));
-    }
-  });
-  if (deepest > LevelsThatFit(kReleaseLevel)) {
-    for (auto piece = pieces.rbegin(); piece != pieces.rend(); ++piece) {
-      (*piece)->getParentNode()->removeChild(*piece)->release();
-    }
-  }
-  root.release();
 }
 
 }  // namespace depth

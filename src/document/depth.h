@@ -8,9 +8,6 @@ namespace depth {
 
 // What a level takes in the XML library, measured, with a margin; bytes of stack.
 constexpr std::size_t kWriteLevel = 144;
-constexpr std::size_t kCloneLevel = 208;
-constexpr std::size_t kImportLevel = 128;
-constexpr std::size_t kReleaseLevel = 96;
 
 // What RequireRoom throws. The guards make it each function's code for the
 // unexpected.
@@ -18,8 +15,5 @@ class CTooDeep {};
 
 // Throws CTooDeep where a recursion over the tree would not fit on the stack.
 void RequireRoom(const xercesc::DOMNode& root, std::size_t bytesPerLevel);
-
-// Frees a node that no tree owns, with all below it, however deep.
-void Release(xercesc::DOMNode& root);
 
 }  // namespace depth

@@ -3,73 +3,87 @@
 
 #include <tessel/export.h>
 
+#include <optional>
+
 #include "document/xercesdom.h"
+#include "dom/attributes.h"
 #include "registry/globals.h"
 
 namespace nodekind {
 
 // A node's type says which interface it has, at a fraction of a run-time cast.
-constexpr unsigned Bit(xercesc::DOMNode::NodeType type) { return 1u << type; }
-
 template <class Interface>
 inline constexpr unsigned kTypes = 0;
 template <>
-inline constexpr unsigned kTypes<xercesc::DOMElement> = Bit(xercesc::DOMNode::ELEMENT_NODE);
+inline constexpr unsigned kTypes<xercesc::DOMElement> = dom::Bit(xercesc::DOMNode::ELEMENT_NODE);
 template <>
-inline constexpr unsigned kTypes<xercesc::DOMAttr> = Bit(xercesc::DOMNode::ATTRIBUTE_NODE);
+inline constexpr unsigned kTypes<xercesc::DOMAttr> = dom::Bit(xercesc::DOMNode::ATTRIBUTE_NODE);
 template <>
-inline constexpr unsigned kTypes<xercesc::DOMText> = Bit(xercesc::DOMNode::TEXT_NODE) |
-                                                     Bit(xercesc::DOMNode::CDATA_SECTION_NODE);
+inline constexpr unsigned kTypes<xercesc::DOMText> =
+    dom::Bit(xercesc::DOMNode::TEXT_NODE) | dom::Bit(xercesc::DOMNode::CDATA_SECTION_NODE);
 template <>
-inline constexpr unsigned kTypes<xercesc::DOMCharacterData> = kTypes<xercesc::DOMText> |
-                                                              Bit(xercesc::DOMNode::COMMENT_NODE);
+inline constexpr unsigned kTypes<xercesc::DOMCharacterData> = dom::kCharacterTypes;
 template <>
 inline constexpr unsigned kTypes<xercesc::DOMProcessingInstruction> =
-    Bit(xercesc::DOMNode::PROCESSING_INSTRUCTION_NODE);
+    dom::Bit(xercesc::DOMNode::PROCESSING_INSTRUCTION_NODE);
 template <>
 inline constexpr unsigned kTypes<xercesc::DOMDocumentType> =
-    Bit(xercesc::DOMNode::DOCUMENT_TYPE_NODE);
+    dom::Bit(xercesc::DOMNode::DOCUMENT_TYPE_NODE);
 template <>
-inline constexpr unsigned kTypes<xercesc::DOMNotation> = Bit(xercesc::DOMNode::NOTATION_NODE);
+inline constexpr unsigned kTypes<xercesc::DOMNotation> = dom::Bit(xercesc::DOMNode::NOTATION_NODE);
 template <>
-inline constexpr unsigned kTypes<xercesc::DOMEntity> = Bit(xercesc::DOMNode::ENTITY_NODE);
+inline constexpr unsigned kTypes<xercesc::DOMEntity> = dom::Bit(xercesc::DOMNode::ENTITY_NODE);
 
 }  // namespace nodekind
 
 // Null for an id that is 0 or unknown, and for the wrong kind of
 // node: the host gets one answer for all of them.
 template <class Interface>
-Interface* FindObject(TSXRefId id) {
+auto FindObject(TSXRefId id) {
   xercesc::DOMNode* pNode = g_NodeSessMap.GetPtrBySess(id);
-  if (pNode == nullptr) return nullptr;
   static_assert(nodekind::kTypes<Interface> != 0);
-  const bool fits = (nodekind::Bit(pNode->getNodeType()) & nodekind::kTypes<Interface>) != 0;
+  const bool fits = pNode != nullptr && dom::IsOneOf(*pNode, nodekind::kTypes<Interface>);
   return fits ? static_cast<Interface*>(pNode) : nullptr;
 }
 
-template <>
-inline xercesc::DOMNode* FindObject<xercesc::DOMNode>(TSXRefId id) {
-  return g_NodeSessMap.GetPtrBySess(id);
+// The node of the DOM behind a registered one: a document object stands for its document.
+inline xercesc::DOMNode* NodeBehind(const CDOMNodeSessMap::CEntry& entry) {
+  if (entry.m_Kind != ENodeKind::kDocumentObject) return entry.m_pNode;
+  return static_cast<CXercesDOM*>(entry.m_pNode)->DocumentNode();
 }
 
 template <>
-inline xercesc::DOMNodeList* FindObject<xercesc::DOMNodeList>(TSXRefId id) {
+inline auto FindObject<xercesc::DOMNode>(TSXRefId id) {
+  return NodeBehind(g_NodeSessMap.GetEntryBySess(id));
+}
+
+template <>
+inline auto FindObject<xercesc::DOMNodeList>(TSXRefId id) {
   return g_NodeListSessMap.GetPtrBySess(id);
 }
 
 template <>
-inline xercesc::DOMNamedNodeMap* FindObject<xercesc::DOMNamedNodeMap>(TSXRefId id) {
+inline auto FindObject<xercesc::DOMNamedNodeMap>(TSXRefId id) {
   return g_NamedNodeMapSessMap.GetPtrBySess(id);
 }
 
+// A map with the node that holds it.
 template <>
-inline xercesc::DOMImplementation* FindObject<xercesc::DOMImplementation>(TSXRefId id) {
+inline auto FindObject<dom::CMap>(TSXRefId id) {
+  const auto held = g_NamedNodeMapSessMap.GetHeldBySess(id);
+  std::optional<dom::CMap> map;
+  if (held.m_pHolder != nullptr) map.emplace(dom::CMap{*held.m_pCollection, *held.m_pHolder});
+  return map;
+}
+
+template <>
+inline auto FindObject<xercesc::DOMImplementation>(TSXRefId id) {
   return g_DOMImplSessMap.GetPtrBySess(id);
 }
 
 // Document objects only: the bare document node is refused.
 template <>
-inline CXercesDOM* FindObject<CXercesDOM>(TSXRefId id) {
+inline auto FindObject<CXercesDOM>(TSXRefId id) {
   const auto entry = g_NodeSessMap.GetEntryBySess(id);
   return entry.m_Kind == ENodeKind::kDocumentObject ? static_cast<CXercesDOM*>(entry.m_pNode)
                                                     : nullptr;

@@ -5,8 +5,8 @@
 #include <memory>
 
 #include "document/find.h"
-#include "document/release.h"
-#include "document/takentypes.h"
+#include "dom/release.h"
+#include "dom/takentypes.h"
 #include "host/domowner.h"
 #include "host/guards.h"
 #include "host/text.h"
@@ -48,7 +48,7 @@ class CNewDocument {
 // document that was given up, so the names are tried without the type first.
 CDOMOwner<DOMDocument> CreateTree(DOMImplementation& implementation, const XMLCh* pURI,
                                   const XMLCh* pName, DOMDocumentType* pType) {
-  if (pType != nullptr && pType->getOwnerDocument() == nullptr) {
+  if (pType != nullptr && dom::IsFreeType(*pType)) {
     CDOMOwner<DOMDocument>(implementation.createDocument(pURI, pName, nullptr)).reset();
   }
   return CDOMOwner<DOMDocument>(implementation.createDocument(pURI, pName, pType));
@@ -56,14 +56,14 @@ CDOMOwner<DOMDocument> CreateTree(DOMImplementation& implementation, const XMLCh
 
 TSXRefId CreateDocument(DOMImplementation& implementation, const XMLCh* pURI, const XMLCh* pName,
                         DOMDocumentType* pType) {
-  const COfferedNode offered(pType);
+  const bool isTaken = pType != nullptr && dom::IsFreeType(*pType);
   CNewDocument document;
   CDOMOwner<DOMDocument> tree = CreateTree(implementation, pURI, pName, pType);
   if (tree == nullptr) return 0;
   document.Adopt(tree.release());
   document.Enter();
   const TSXRefId id = document.Register();
-  offered.Tie();
+  if (isTaken) dom::takentypes::Note(*pType);
   document.Keep();
   return id;
 }
@@ -73,10 +73,16 @@ TSXRefId CreateDocument(DOMImplementation& implementation, const XMLCh* pURI, co
 void ReleaseUnowned(const CDOMNodeSessMap::CEntry& entry) {
   DOMNode* pNode = entry.m_pNode;
   if (entry.m_Kind == ENodeKind::kBareDocument) {
-    if (g_NodeDomMap.GetDomByNode(pNode) == nullptr) ReleaseTree(dynamic_cast<DOMDocument*>(pNode));
-  } else if (COfferedNode::IsFreeType(*pNode)) {
-    ReleaseNode(pNode);
+    if (g_NodeDomMap.GetDomByNode(pNode) == nullptr) dom::ReleaseTree(dom::DocumentBehind(*pNode));
+  } else if (dom::IsFreeType(*pNode)) {
+    dom::Release(*pNode);
   }
+}
+
+// Frees a document object that has left the map, with its tree.
+void DeleteDocumentObject(CXercesDOM* pDom) {
+  dom::BeforeTreeGoes(*pDom->m_pDoc);
+  delete pDom;
 }
 
 void CloseDocument(TSXRefId id, const CDOMNodeSessMap::CEntry& entry) {
@@ -95,7 +101,7 @@ void CloseNode(TSXRefId id, const CDOMNodeSessMap::CEntry& entry) {
   // it does not make the node one to be freed.
   if (entry.m_Kind == ENodeKind::kNode && g_NodeDomMap.DeleteByNode(entry.m_pNode)) {
     // Contract: freed at every close, however many hand-outs are left.
-    ReleaseNode(entry.m_pNode);
+    dom::Release(*entry.m_pNode);
   } else if (last && entry.m_Kind != ENodeKind::kDocumentObject) {
     ReleaseUnowned(entry);
   }
@@ -144,7 +150,6 @@ void CleanupProcCXercesDOM(unsigned char* data) {
   Always<domErrUnexpected>::Run([&] {
     if (pDom == nullptr || !g_NodeDomMap.DeleteByDom(pDom)) return;
     // Contract: the ids name nothing from here on, however many hand-outs are open.
-    g_NodeSessMap.WithdrawDocument(pDom->m_pDoc);
     g_NodeSessMap.Withdraw(pDom);
     DeleteDocumentObject(pDom);
   });

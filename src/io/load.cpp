@@ -2,7 +2,7 @@
 #include <tessel/status.h>
 
 #include "document/find.h"
-#include "document/release.h"
+#include "dom/release.h"
 #include "io/nativepath.h"
 #include "io/parse.h"
 #include "io/parseguard.h"
@@ -24,7 +24,7 @@ void ReplaceTree(CXercesDOM& dom, CDOMOwner<DOMDocument> parsed) {
   g_NodeDomMap.Insert(parsed.get(), &dom);
   DOMDocument* pOld = dom.m_pDoc;
   dom.m_pDoc = parsed.release();
-  ReleaseTree(pOld);
+  dom::ReleaseTree(*pOld);
 }
 
 template <class Parse>

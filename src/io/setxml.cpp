@@ -1,9 +1,11 @@
 #include <tessel/io.h>
 #include <tessel/status.h>
 
-#include "document/depth.h"
 #include "document/find.h"
-#include "document/release.h"
+#include "dom/copy.h"
+#include "dom/edit.h"
+#include "dom/look.h"
+#include "dom/release.h"
 #include "io/parse.h"
 #include "io/parseguard.h"
 
@@ -18,13 +20,12 @@ constexpr CParseTexts kTexts{"SAXParseException caught while seting element XML.
                              "Error occurred while seting element XML."};
 
 // Puts a copy of the parsed root in the element's place; the id moves with it.
-void ReplaceElement(TSXRefId id, DOMElement& element, DOMNode& parent, DOMElement* pParsedRoot) {
-  DOMNode* pDetached = pParsedRoot->getOwnerDocument()->removeChild(pParsedRoot);
-  depth::RequireRoom(*pDetached, depth::kImportLevel);
-  CDOMOwner<DOMNode> imported(element.getOwnerDocument()->importNode(pDetached, true));
-  parent.replaceChild(imported.get(), &element);
+void ReplaceElement(TSXRefId id, DOMElement& element, DOMNode& parent, DOMElement& parsedRoot) {
+  dom::RemoveChild(*dom::OwnerDocument(parsedRoot), parsedRoot);
+  dom::CNodeOwner imported(dom::Import(*dom::OwnerDocument(element), parsedRoot, true));
+  dom::ReplaceChild(parent, *imported, element);
   g_NodeSessMap.ResetPtr(imported.release(), id);
-  ReleaseNode(&element);
+  dom::Release(element);
 }
 
 }  // namespace
@@ -33,16 +34,16 @@ TSXStatus TSXElementSetXML(TSXRefId element, HStr* xmlText, HStr* parseErrors,
                            HStr* exceptionText) {
   auto* pElement = FindObject<DOMElement>(element);
   if (pElement == nullptr) return domErrRefDocument;
-  CXercesDOM* pDom = g_NodeDomMap.GetDomByNode(pElement->getOwnerDocument());
+  CXercesDOM* pDom = g_NodeDomMap.GetDomByNode(dom::OwnerDocument(*pElement));
   if (pDom == nullptr) return domErrRefDocument;
   return RunParse(kTexts, exceptionText, [&]() -> TSXStatus {
     const CStringSource source(xmlText, "SetXMLString");
     const CDOMOwner<DOMDocument> parsed = ParseAndTake(*pDom, source.Get());
     DOMElement* pParsedRoot = parsed != nullptr ? parsed->getDocumentElement() : nullptr;
     if (parsed != nullptr) {
-      DOMNode* pParent = pElement->getParentNode();
+      DOMNode* pParent = dom::Parent(*pElement);
       if (pParent == nullptr) return domErrRefDocument;
-      if (pParsedRoot != nullptr) ReplaceElement(element, *pElement, *pParent, pParsedRoot);
+      if (pParsedRoot != nullptr) ReplaceElement(element, *pElement, *pParent, *pParsedRoot);
     }
     return ReportParse(*pDom, parseErrors);
   });

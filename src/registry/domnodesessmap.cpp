@@ -1,39 +1,34 @@
 #include "registry/domnodesessmap.h"
 
-#include "document/xercesdom.h"
+#include "dom/look.h"
 
 using xercesc::DOMDocument;
 using xercesc::DOMNode;
 
 unsigned long CDOMNodeSessMap::Insert(DOMNode* pNode) {
   CHostLock lock(m_Mutex);
-  TakeAdoptions();
   if (pNode == nullptr) return 0;
   if (const unsigned long known = CountAgain(pNode)) return known;
-  // The owner is asked under the lock; no other registry operation calls the DOM.
-  DOMDocument* pOwner = pNode->getOwnerDocument();
-  const auto loose = m_LooseOwners.find(pNode);
-  const bool wasLoose = loose != m_LooseOwners.end();
-  if (pOwner == nullptr && wasLoose) pOwner = loose->second;
   CSlot slot;
   SetKind(slot, *pNode);
-  if (pOwner == nullptr && !wasLoose) return Register(pNode, slot);
-  // Everything that may throw comes before the first change that would stay.
-  unsigned long& first = FirstOf(pOwner);
+  if (slot.m_Kind != ENodeKind::kNode) return Register(pNode, slot);
+  // The owner is asked under the lock; no other registry operation calls the DOM.
+  DOMDocument* pOwner = dom::OwnerDocument(*pNode);
+  // Everything that may throw comes before the first change that would stay. An empty
+  // list is kept until it is next unlinked.
+  if (pOwner != nullptr) m_OwnedBy.try_emplace(pOwner, 0);
   const unsigned long id = Register(pNode, slot);
-  Link(id, *m_Slots.Find(id), pOwner, first);
-  if (wasLoose) m_LooseOwners.erase(loose);
+  InsertDocNodeMapEntry(pOwner, id);
   return id;
 }
 
 bool CDOMNodeSessMap::DeleteBySess(unsigned long id) {
   CHostLock lock(m_Mutex);
-  TakeAdoptions();
   CSlot* pSlot = m_Slots.Find(id);
   if (pSlot == nullptr || !CountBack(*pSlot)) return false;
   if (DOMDocument* pDoc = DocumentOf(*pSlot)) {
     SweepDocument(pDoc);
-  } else if (pSlot->m_HasOwner) {
+  } else if (pSlot->m_pOwner != nullptr) {
     Unlink(*pSlot);
   }
   Erase(id, *pSlot);
@@ -46,94 +41,59 @@ CDOMNodeSessMap::CEntry CDOMNodeSessMap::GetEntryBySess(unsigned long id) {
   return pSlot != nullptr ? CEntry{pSlot->m_pObject, pSlot->m_Kind} : CEntry{};
 }
 
-void CDOMNodeSessMap::InsertDocNodeMapEntry(DOMDocument* pDoc, DOMNode* pNode) {
-  if (pDoc == nullptr || pNode == nullptr) return;
-  const std::lock_guard<std::mutex> lock(m_AdoptionMutex);
-  m_Adoptions.emplace_back(pNode, pDoc);
-  m_HasAdoptions = true;
+void CDOMNodeSessMap::Tie(xercesc::DOMDocumentType& type, DOMDocument& document) {
+  CHostLock lock(m_Mutex);
+  const unsigned long id = m_PtrToSess.Find(static_cast<DOMNode*>(&type));
+  if (id == 0 || m_Slots.Find(id)->m_pOwner != nullptr) return;
+  InsertDocNodeMapEntry(&document, id);
 }
 
 void CDOMNodeSessMap::ResetPtr(DOMNode* pNewNode, unsigned long id) {
   CHostLock lock(m_Mutex);
-  TakeAdoptions();
   CSlot* pSlot = m_Slots.Find(id);
   if (pSlot == nullptr || pSlot->m_pObject == nullptr) return;
-  DOMDocument* pOwner = TakeOwner(pSlot->m_pObject).value_or(nullptr);
-  pOwner = TakeOwner(pNewNode).value_or(pOwner);
   m_PtrToSess.Erase(pSlot->m_pObject);
   if (m_PtrToSess.Find(pNewNode) == 0) m_PtrToSess.Insert(pNewNode, id);
   pSlot->m_pObject = pNewNode;
+  if (pSlot->m_Kind != ENodeKind::kNode) pSlot->m_pOwner = nullptr;
   pSlot->m_Kind = ENodeKind::kNode;
-  if (pNewNode != nullptr) SetKind(*pSlot, *pNewNode);
-  if (pSlot->m_Kind == ENodeKind::kNode) SetOwner(pNewNode, pOwner);
+  if (pNewNode != nullptr) dom::Mark(*pNewNode, dom::kHasId);
 }
 
-void CDOMNodeSessMap::Withdraw(const std::vector<DOMNode*>& nodes) {
-  if (nodes.empty()) return;
+void CDOMNodeSessMap::Withdraw(std::span<DOMNode* const> nodes) noexcept {
   CHostLock lock(m_Mutex);
-  TakeAdoptions();
   for (DOMNode* pNode : nodes) WithdrawNode(pNode);
 }
 
-void CDOMNodeSessMap::Withdraw(DOMNode* pNode) {
+void CDOMNodeSessMap::WithdrawDocument(DOMDocument& document) noexcept {
   CHostLock lock(m_Mutex);
-  TakeAdoptions();
-  WithdrawNode(pNode);
+  SweepDocument(&document);
+  WithdrawNode(&document);
 }
 
-void CDOMNodeSessMap::WithdrawDocument(DOMDocument* pDoc) {
-  CHostLock lock(m_Mutex);
-  TakeAdoptions();
-  SweepDocument(pDoc);
-  WithdrawNode(pDoc);
-}
-
+// A document object is no node of the DOM itself: it carries no mark.
 void CDOMNodeSessMap::SetKind(CSlot& slot, DOMNode& node) {
-  if (node.getNodeType() != DOMNode::DOCUMENT_NODE) return;
-  if (dynamic_cast<CXercesDOM*>(&node) != nullptr) {
-    slot.m_Kind = ENodeKind::kDocumentObject;
-  } else {
-    slot.m_Kind = ENodeKind::kBareDocument;
-    slot.m_pOwner = dynamic_cast<DOMDocument*>(&node);
+  if (node.getNodeType() == DOMNode::DOCUMENT_NODE) {
+    DOMDocument& document = dom::DocumentBehind(node);
+    const bool isBare = static_cast<DOMNode*>(&document) == &node;
+    slot.m_Kind = isBare ? ENodeKind::kBareDocument : ENodeKind::kDocumentObject;
+    if (isBare) slot.m_pOwner = &document;
   }
+  if (slot.m_Kind != ENodeKind::kDocumentObject) dom::Mark(node, dom::kHasId);
 }
 
+// The document of a document object changes with every load.
 DOMDocument* CDOMNodeSessMap::DocumentOf(const CSlot& slot) {
   if (slot.m_Kind == ENodeKind::kNode) return nullptr;
   if (slot.m_Kind == ENodeKind::kBareDocument) return slot.m_pOwner;
-  return static_cast<CXercesDOM*>(slot.m_pObject)->m_pDoc;
+  return &dom::DocumentBehind(*slot.m_pObject);
 }
-
-void CDOMNodeSessMap::SetOwner(DOMNode* pNode, DOMDocument* pDoc) {
-  TakeOwner(pNode);
-  if (const unsigned long id = m_PtrToSess.Find(pNode)) {
-    Link(id, *m_Slots.Find(id), pDoc, FirstOf(pDoc));
-  } else {
-    m_LooseOwners.emplace(pNode, pDoc);
-  }
-}
-
-std::optional<DOMDocument*> CDOMNodeSessMap::TakeOwner(DOMNode* pNode) {
-  if (const unsigned long id = m_PtrToSess.Find(pNode)) {
-    CSlot& slot = *m_Slots.Find(id);
-    if (!slot.m_HasOwner) return std::nullopt;
-    DOMDocument* pOwner = slot.m_pOwner;
-    Unlink(slot);
-    return pOwner;
-  }
-  const auto loose = m_LooseOwners.find(pNode);
-  if (loose == m_LooseOwners.end()) return std::nullopt;
-  DOMDocument* pOwner = loose->second;
-  m_LooseOwners.erase(loose);
-  return pOwner;
-}
-
-// Where a document's list begins; an empty list is kept until it is next unlinked.
-unsigned long& CDOMNodeSessMap::FirstOf(DOMDocument* pDoc) { return m_OwnedBy[pDoc]; }
 
 // In front of the list: the newest id comes first.
-void CDOMNodeSessMap::Link(unsigned long id, CSlot& slot, DOMDocument* pDoc, unsigned long& first) {
-  slot.m_HasOwner = true;
+void CDOMNodeSessMap::InsertDocNodeMapEntry(DOMDocument* pDoc, unsigned long id) {
+  if (pDoc == nullptr) return;
+  unsigned long& first = m_OwnedBy[pDoc];
+  CSlot& slot = *m_Slots.Find(id);
   slot.m_pOwner = pDoc;
   slot.m_Previous = 0;
   slot.m_Next = first;
@@ -150,40 +110,27 @@ void CDOMNodeSessMap::Unlink(CSlot& slot) {
   } else {
     m_OwnedBy.erase(slot.m_pOwner);
   }
-  slot.m_HasOwner = false;
   slot.m_pOwner = nullptr;
 }
 
-void CDOMNodeSessMap::TakeAdoptions() {
-  if (!m_HasAdoptions) return;
-  std::vector<std::pair<DOMNode*, DOMDocument*>> adoptions;
-  {
-    const std::lock_guard<std::mutex> lock(m_AdoptionMutex);
-    adoptions.swap(m_Adoptions);
-    m_HasAdoptions = false;
-  }
-  for (const auto& [pNode, pDoc] : adoptions) SetOwner(pNode, pDoc);
-}
-
 void CDOMNodeSessMap::WithdrawNode(DOMNode* pNode) {
-  TakeOwner(pNode);
-  if (const unsigned long id = m_PtrToSess.Find(pNode)) Erase(id, *m_Slots.Find(id));
+  const unsigned long id = m_PtrToSess.Find(pNode);
+  if (id == 0) return;
+  CSlot& slot = *m_Slots.Find(id);
+  if (slot.m_Kind == ENodeKind::kNode && slot.m_pOwner != nullptr) Unlink(slot);
+  Erase(id, slot);
 }
 
 // Contract: nothing that happens in here stops the close that it is a part of.
 void CDOMNodeSessMap::SweepDocument(DOMDocument* pDoc) {
   const auto list = m_OwnedBy.find(pDoc);
-  if (list != m_OwnedBy.end()) {
-    unsigned long id = list->second;
-    m_OwnedBy.erase(list);
-    while (id != 0) {
-      const CSlot& slot = *m_Slots.Find(id);
-      const unsigned long next = slot.m_Next;
-      Erase(id, slot);
-      id = next;
-    }
-  }
-  for (auto loose = m_LooseOwners.begin(); loose != m_LooseOwners.end();) {
-    loose = loose->second == pDoc ? m_LooseOwners.erase(loose) : std::next(loose);
+  if (list == m_OwnedBy.end()) return;
+  unsigned long id = list->second;
+  m_OwnedBy.erase(list);
+  while (id != 0) {
+    const CSlot& slot = *m_Slots.Find(id);
+    const unsigned long next = slot.m_Next;
+    Erase(id, slot);
+    id = next;
   }
 }

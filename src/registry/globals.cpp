@@ -2,7 +2,15 @@
 
 #include <xercesc/util/PlatformUtils.hpp>
 
-CXercesInitializer::CXercesInitializer() { xercesc::XMLPlatformUtils::Initialize(); }
+#include "dom/listener.h"
+#include "dom/parts.h"
+#include "registry/lifetimes.h"
+
+CXercesInitializer::CXercesInitializer() {
+  xercesc::XMLPlatformUtils::Initialize();
+  dom::CheckLayout();
+  dom::SetListener(&CLifetimes::Instance());
+}
 CXercesInitializer::~CXercesInitializer() { xercesc::XMLPlatformUtils::Terminate(); }
 
 CMutexInitializer g_MutexInitializer;

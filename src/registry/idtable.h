@@ -43,24 +43,6 @@ class CIdTable {
     if (--pPage->m_Used == 0 && pPage != m_pNewest) ClosePage(id / kPageSize);
   }
 
-  template <class Dies>
-  void EraseIf(Dies dies) {
-    for (auto entry = m_Pages.begin(); entry != m_Pages.end();) {
-      CPage& page = *entry->second;
-      for (Slot& slot : page.m_Slots) {
-        if (slot.IsFree() || !dies(slot)) continue;
-        slot.SetFree();
-        --page.m_Used;
-      }
-      if (page.m_Used != 0 || &page == m_pNewest) {
-        ++entry;
-      } else {
-        if (&page == m_pLast) m_pLast = nullptr;
-        entry = m_Pages.erase(entry);
-      }
-    }
-  }
-
  private:
   static constexpr unsigned long kPageSize = 256;
 

@@ -1,27 +1,20 @@
 #include "registry/nodedommap.h"
 
+#include "dom/look.h"
+
 using xercesc::DOMDocument;
 using xercesc::DOMNode;
 
-namespace {
-
-// A document node is its own tree; it has no owner document.
-const DOMDocument* TreeOf(const DOMNode* pNode) {
-  if (const DOMDocument* pOwner = pNode->getOwnerDocument()) return pOwner;
-  return dynamic_cast<const DOMDocument*>(pNode);
-}
-
-}  // namespace
-
 void CNodeDomMap::Insert(DOMNode* pNode, CXercesDOM* pDom) {
   if (pNode == nullptr || pDom == nullptr) return;
-  const CEntry entry{pDom, TreeOf(pNode)};
+  const CEntry entry{pDom, dom::TreeOf(*pNode)};
   CHostLock lock(m_Mutex);
   if (m_NodeToDom.contains(pNode)) return;
-  // The entry comes last: what an index has beside it when that fails is passed over.
+  // The entry comes last. On failure an orphan index entry remains; EraseAll skips it.
   m_ByDom.emplace(pDom, pNode);
   m_ByTree.emplace(entry.m_pTree, pNode);
   m_NodeToDom.emplace(pNode, entry);
+  dom::Mark(*pNode, dom::kHasEntry);
 }
 
 CXercesDOM* CNodeDomMap::GetDomByNode(DOMNode* pNode) {
@@ -45,8 +38,7 @@ void CNodeDomMap::DeleteByTree(const DOMDocument* pDoc) {
   EraseAll(m_ByTree, &CEntry::m_pTree, pDoc);
 }
 
-void CNodeDomMap::Delete(const std::vector<DOMNode*>& nodes) {
-  if (nodes.empty()) return;
+void CNodeDomMap::Delete(std::span<DOMNode* const> nodes) {
   CHostLock lock(m_Mutex);
   for (DOMNode* pNode : nodes) Erase(pNode);
 }

@@ -4,8 +4,8 @@
 #include <absl/container/btree_map.h>
 #include <absl/container/btree_set.h>
 
+#include <span>
 #include <utility>
-#include <vector>
 #include <xercesc/dom/DOM.hpp>
 
 #include "host/hostmutex.h"
@@ -39,9 +39,8 @@ class CNodeDomMap {
   // document node included.
   void DeleteByTree(const xercesc::DOMDocument* pDoc);
 
-  // Erases the entries that these nodes have. The nodes may be gone: their
-  // addresses serve as keys only.
-  void Delete(const std::vector<xercesc::DOMNode*>& nodes);
+  // Erases the entries that these nodes have.
+  void Delete(std::span<xercesc::DOMNode* const> nodes);
 
   size_t EntryCount();
 

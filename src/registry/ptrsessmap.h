@@ -1,12 +1,12 @@
 // Reference ids for the objects of one kind.
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 #include <span>
-#include <xercesc/dom/DOM.hpp>
 
+#include "dom/look.h"
 #include "host/hostmutex.h"
+#include "registry/holdings.h"
 #include "registry/idtable.h"
 #include "registry/pointerindex.h"
 
@@ -23,8 +23,8 @@ struct CSessSlot {
   void SetFree() { m_RefCount = 0; }
 };
 
-// What a registry of collections keeps besides: the node whose memory a collection
-// lives and dies with, and the document of that node. One without never dies.
+// What a registry of collections keeps besides: the node whose memory a collection lives
+// and dies with, and the document of that node. One without never dies.
 template <class T>
 struct CHeldSlot : CSessSlot<T> {
   const xercesc::DOMNode* m_pHolder = nullptr;
@@ -34,6 +34,13 @@ struct CHeldSlot : CSessSlot<T> {
 template <class T>
 struct CSlotOf {
   using Type = CHeldSlot<T>;
+};
+
+// A registered collection with the node that holds it; null for none.
+template <class T>
+struct CHeld {
+  T* m_pCollection = nullptr;
+  xercesc::DOMNode* m_pHolder = nullptr;
 };
 
 // Gives each registered pointer an id and counts how often that id was handed
@@ -63,41 +70,39 @@ class TESSEL_DATA CPtrSessMap {
     return Register(p, slot);
   }
 
-  // As Insert, for a collection that goes when `holder` goes.
-  unsigned long InsertHeld(T* p, const xercesc::DOMNode& holder) {
+  // As Insert, for a collection that goes when its holder goes.
+  unsigned long InsertHeld(const CHeld<T>& held) {
+    if (held.m_pHolder == nullptr) return Insert(held.m_pCollection);
     CSlot slot;
-    slot.m_pHolder = &holder;
-    slot.m_pTree = holder.getOwnerDocument();
+    slot.m_pHolder = held.m_pHolder;
+    slot.m_pTree = dom::TreeOf(*held.m_pHolder);
     CHostLock lock(m_Mutex);
-    if (p == nullptr) return 0;
-    const unsigned long known = CountAgain(p);
-    return known != 0 ? known : Register(p, slot);
+    if (held.m_pCollection == nullptr) return 0;
+    if (const unsigned long known = CountAgain(held.m_pCollection)) return known;
+    m_Holdings.Add(slot.m_pTree, slot.m_pHolder, m_LastSess + 1);
+    dom::Mark(*held.m_pHolder, dom::kHasCollection);
+    return Register(held.m_pCollection, slot);
   }
 
-  // The node that a collection goes with; null for none.
-  const xercesc::DOMNode* HolderOf(T* p) {
+  // As GetPtrBySess, with the holder.
+  CHeld<T> GetHeldBySess(unsigned long id) {
     CHostLock lock(m_Mutex);
-    const unsigned long id = m_PtrToSess.Find(p);
-    return id != 0 ? m_Slots.Find(id)->m_pHolder : nullptr;
+    const CSlot* pSlot = m_Slots.Find(id);
+    if (pSlot == nullptr) return {};
+    return {pSlot->m_pObject, const_cast<xercesc::DOMNode*>(pSlot->m_pHolder)};
   }
 
-  // Takes back the ids of the collections of these nodes. The nodes are
-  // sorted by address and may be gone.
-  void WithdrawHeldBy(std::span<xercesc::DOMNode* const> sorted) {
-    WithdrawIf([&](const CSlot& slot) {
-      return std::binary_search(sorted.begin(), sorted.end(), slot.m_pHolder);
-    });
+  // Takes back the ids of the collections of these nodes.
+  void WithdrawHeldBy(std::span<xercesc::DOMNode* const> holders) noexcept {
+    CHostLock lock(m_Mutex);
+    for (const xercesc::DOMNode* pHolder : holders) WithdrawHeldBy(*pHolder);
   }
 
   // The same for all collections of a document that is about to go.
-  void WithdrawHeldIn(const xercesc::DOMDocument* pDoc) {
-    const xercesc::DOMNode* pDocumentNode = pDoc;
-    // A document type knew no document while it was free.
-    const xercesc::DOMNode* pType = pDoc->getDoctype();
-    WithdrawIf([&](const CSlot& slot) {
-      return slot.m_pHolder != nullptr &&
-             (slot.m_pTree == pDoc || slot.m_pHolder == pDocumentNode || slot.m_pHolder == pType);
-    });
+  void WithdrawHeldIn(const xercesc::DOMDocument& document) noexcept {
+    CHostLock lock(m_Mutex);
+    m_Holdings.TakeOf(&document, [this](auto... holding) { WithdrawHolding(holding...); });
+    if (const xercesc::DOMNode* pType = document.getDoctype()) WithdrawHeldBy(*pType);
   }
 
   // Takes one hand-out back; true when it was the last and the entry is gone.
@@ -146,6 +151,9 @@ class TESSEL_DATA CPtrSessMap {
   }
 
   void Erase(unsigned long id, const CSlot& slot) TESSEL_REQUIRES(m_Mutex) {
+    if constexpr (requires { slot.m_pHolder; }) {
+      if (slot.m_pHolder != nullptr) m_Holdings.Remove(slot.m_pTree, slot.m_pHolder, id);
+    }
     m_PtrToSess.Erase(slot.m_pObject);
     m_Slots.Erase(id);
   }
@@ -164,21 +172,21 @@ class TESSEL_DATA CPtrSessMap {
   CHostMutex m_Mutex;
 
  private:
-  template <class Dies>
-  void WithdrawIf(Dies dies) {
-    CHostLock lock(m_Mutex);
-    if (m_PtrToSess.Size() == 0) return;
-    WithdrawIn(m_PtrToSess, m_Slots, dies);
+  // A document type knew no document while it was free.
+  void WithdrawHeldBy(const xercesc::DOMNode& holder) TESSEL_REQUIRES(m_Mutex) {
+    const auto withdraw = [this](auto... holding) { WithdrawHolding(holding...); };
+    m_Holdings.TakeOf(dom::TreeOf(holder), &holder, withdraw);
+    m_Holdings.TakeOf(nullptr, &holder, withdraw);
   }
 
-  template <class Dies>
-  static void WithdrawIn(CPointerIndex& index, CIdTable<CSlot>& slots, Dies dies) {
-    slots.EraseIf([&](const CSlot& slot) {
-      if (!dies(slot)) return false;
-      index.Erase(slot.m_pObject);
-      return true;
-    });
+  // A registration that failed leaves a holding without a slot of its own.
+  void WithdrawHolding(const xercesc::DOMNode* pHolder, unsigned long id) TESSEL_REQUIRES(m_Mutex) {
+    const CSlot* pSlot = m_Slots.Find(id);
+    if (pSlot == nullptr || pSlot->m_pHolder != pHolder) return;
+    m_PtrToSess.Erase(pSlot->m_pObject);
+    m_Slots.Erase(id);
   }
 
+  CHoldings m_Holdings TESSEL_GUARDED_BY(m_Mutex);
   unsigned long m_LastSess TESSEL_GUARDED_BY(m_Mutex) = 0;
 };

@@ -1,0 +1,59 @@
+// Which collections go with which node.
+#pragma once
+
+#include <absl/container/btree_set.h>
+
+#include <compare>
+#include <limits>
+#include <xercesc/dom/DOM.hpp>
+
+// The ids of a registry's collections, found by the node that holds them and by the
+// document of that node. Pointers are keys only.
+class CHoldings {
+ public:
+  using CTree = const xercesc::DOMDocument*;
+  using CHolder = const xercesc::DOMNode*;
+
+  void Add(CTree pTree, CHolder pHolder, unsigned long id) { m_Set.insert({pTree, pHolder, id}); }
+  void Remove(CTree pTree, CHolder pHolder, unsigned long id) noexcept {
+    m_Set.erase({pTree, pHolder, id});
+  }
+
+  // Takes the holdings of one holder out and passes holder and id of each on.
+  template <class Visit>
+  void TakeOf(CTree pTree, CHolder pHolder, Visit visit) noexcept {
+    Take({pTree, pHolder, 0}, {pTree, pHolder, kLastId}, visit);
+  }
+
+  // The same for all holders of a document.
+  template <class Visit>
+  void TakeOf(CTree pTree, Visit visit) noexcept {
+    auto first = m_Set.lower_bound({pTree, nullptr, 0});
+    while (first != m_Set.end() && first->m_pTree == pTree) first = TakeOne(first, visit);
+  }
+
+ private:
+  static constexpr unsigned long kLastId = std::numeric_limits<unsigned long>::max();
+
+  struct CHolding {
+    CTree m_pTree;
+    CHolder m_pHolder;
+    unsigned long m_Id;
+    auto operator<=>(const CHolding&) const = default;
+  };
+  using CSet = absl::btree_set<CHolding>;
+
+  template <class Visit>
+  void Take(const CHolding& from, const CHolding& last, Visit visit) noexcept {
+    auto first = m_Set.lower_bound(from);
+    while (first != m_Set.end() && *first <= last) first = TakeOne(first, visit);
+  }
+
+  template <class Visit>
+  CSet::iterator TakeOne(CSet::iterator at, Visit visit) noexcept {
+    visit(at->m_pHolder, at->m_Id);
+    return m_Set.erase(at);
+  }
+
+  CSet m_Set;
+};
