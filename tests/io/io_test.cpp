@@ -104,6 +104,24 @@ TEST_F(Io, ReporterKeepsTheWritersLastProblem) {
   EXPECT_STREQ(reporter.getDOMError(), "nested CDATA sections");
 }
 
+class CSilentReporter : public DOMTreeErrorReporter {
+ public:
+  bool handleError(const xercesc::DOMError&) override { return false; }
+};
+
+TEST_F(Io, AWriterThatGivesUpWithoutAnErrorLeavesOnlyTheText) {
+  CDoc doc("<r/>");
+  CText encoding("x-nobody"), errorText;
+  const support::CPath path("silent.xml");
+  ASSERT_EQ(TSXSetEncoding(doc.Id(), 0, &encoding), 0);
+  CSilentReporter silent;
+  auto* pDom = FindObject<CXercesDOM>(doc.Id());
+  DOMTreeErrorReporter* pOwn = std::exchange(pDom->m_pErrorReporter, &silent);
+  EXPECT_EQ(TSXSaveFile(doc.Id(), path.Get(), &errorText), 0);
+  EXPECT_EQ(errorText.Str(), "Failed to write file");
+  pDom->m_pErrorReporter = pOwn;
+}
+
 // What no text makes the parser throw is thrown by its error handler.
 class CThrower : public xercesc::ErrorHandler {
  public:
