@@ -56,12 +56,13 @@ class CCall {
   CCall(std::vector<std::string_view> operands, CNames& names)
       : m_Operands(std::move(operands)), m_Names(names) {}
 
-  // The host refuses the n-th allocation of the call, none for 0.
+  // The host refuses the n-th allocation of the call, none for 0; of -n, the later ones, too.
   template <class Result, class... Args>
   void Run(int64_t refused, Result (*pFunction)(Args...)) {
     const std::tuple<Args...> args{Take<Args>()...};
     if (m_Next != m_Operands.size()) ADD_FAILURE() << "too many operands";
-    StandinFailAllocation(refused);
+    m_IdsBefore = support::LiveIds();
+    refused < 0 ? StandinFailAllocationsFrom(-refused) : StandinFailAllocation(refused);
     StandinTraceStart();
     if constexpr (std::is_void_v<Result>) {
       std::apply(pFunction, args);
@@ -73,6 +74,7 @@ class CCall {
   }
 
   TSXStatus m_Status = 0;
+  size_t m_IdsBefore = 0;  // how many named an object
   std::deque<COut> m_Outs;
 
  private:

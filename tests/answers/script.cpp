@@ -54,6 +54,12 @@ std::string StatusName(TSXStatus status) {
   return std::to_string(status);
 }
 
+int64_t Refusals() {
+  StandinLedger ledger;
+  StandinReadLedger(&ledger);
+  return ledger.refusals;
+}
+
 // How often the last call took the mutexes of a name.
 std::string TakenLocks(const std::string& name) {
   StandinMutexEvent events[64];
@@ -92,14 +98,15 @@ CScene::~CScene() {
   std::filesystem::remove_all(m_Folder.Name(), ignored);
 }
 
-std::string CScene::Run(std::string_view statements) {
+std::string CScene::Run(std::string_view statements, int64_t refused) {
   std::string all;
   const auto parts = Split(statements, ';');
   for (size_t i = 0; i < parts.size(); ++i) {
-    const std::string answer = Statement(parts[i]).m_Answer;
     const bool isLast = i + 1 == parts.size();
-    if (answer.empty() || (answer == "ok" && !isLast)) continue;
-    all += (all.empty() ? "" : "; ") + answer;
+    if (isLast && refused != 0) m_Refused = refused;
+    m_Last = Statement(parts[i]);
+    if (m_Last.m_Answer.empty() || (m_Last.m_Answer == "ok" && !isLast)) continue;
+    all += (all.empty() ? "" : "; ") + m_Last.m_Answer;
   }
   return all;
 }
@@ -132,16 +139,19 @@ CScene::CResult CScene::Statement(std::string_view statement) {
     return Call(name, Split(statement.substr(end + 1, statement.size() - end - 2), ','));
   }
   const CRef ref = Resolve(statement);
-  return {0, NameOf(ref), ref};
+  return {0, NameOf(ref), ref, {}, false};
 }
 
 CScene::CResult CScene::Call(std::string_view name, const std::vector<std::string_view>& operands) {
   const CFunction* pFunction = FindFunction(name);
-  if (pFunction == nullptr) return {0, Help(name, operands), {}};
+  if (pFunction == nullptr) return {0, Help(name, operands), {}, {}, false};
   CCall call(operands, *this);
+  const int64_t refusals = Refusals();
   pFunction->m_Run(call, std::exchange(m_Refused, 0));
   const Registry registry = RegistryOf(name);
-  CResult result{call.m_Status, {}, {}};
+  CResult result;
+  result.m_Status = call.m_Status;
+  result.m_IsRefused = Refusals() != refusals;
   for (const COut& out : call.m_Outs) {
     if (out.m_Kind != COut::Kind::kId || out.m_Id == COut::kJunkId) continue;
     m_Issued.push_back({registry, out.m_Id});
@@ -149,7 +159,10 @@ CScene::CResult CScene::Call(std::string_view name, const std::vector<std::strin
   }
   if (result.m_Status != 0) result.m_Answer = StatusName(result.m_Status);
   for (const COut& out : call.m_Outs) {
-    const std::string text = Describe(out, result, registry);
+    if (result.m_IsRefused && out.m_Kind == COut::Kind::kArray && out.m_Array.IsNull()) {
+      EXPECT_EQ(support::LiveIds(), call.m_IdsBefore) << "ids that nobody can give back";
+    }
+    const std::string text = result.m_Outs.emplace_back(Describe(out, result, registry));
     result.m_Answer += (result.m_Answer.empty() || text.empty() ? "" : " ") + text;
   }
   if (result.m_Answer.empty()) result.m_Answer = "ok";

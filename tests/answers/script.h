@@ -19,9 +19,19 @@ class CScene : public CNames {
   CScene(const CScene&) = delete;
   CScene& operator=(const CScene&) = delete;
 
+  struct CResult {
+    TSXStatus m_Status = 0;
+    std::string m_Answer;
+    CRef m_First;                     // the first id that was given
+    std::vector<std::string> m_Outs;  // as the answer tells them
+    bool m_IsRefused = false;         // the host refused memory
+  };
+
   // What the statements answer: that of the last one, and before it those that are no
-  // "ok". An assignment that works answers nothing.
-  std::string Run(std::string_view statements);
+  // "ok". An assignment that works answers nothing. Of the last one an allocation is
+  // refused, as CCall::Run says.
+  std::string Run(std::string_view statements, int64_t refused = 0);
+  const CResult& Last() const { return m_Last; }
 
   // The document as it is now; "empty" without any node, "closed" once
   // its id names nothing.
@@ -31,12 +41,6 @@ class CScene : public CNames {
   std::string FileOf(std::string_view name) override;
 
  private:
-  struct CResult {
-    TSXStatus m_Status = 0;
-    std::string m_Answer;
-    CRef m_First;  // the first id that was given
-  };
-
   CResult Statement(std::string_view statement);
   CResult Call(std::string_view name, const std::vector<std::string_view>& operands);
   // What helps the rows and is no function of the library.
@@ -62,6 +66,7 @@ class CScene : public CNames {
   std::vector<CRef> m_Issued;
   support::CPath m_Folder{"answers"};
   int64_t m_Refused = 0;  // of the next call
+  CResult m_Last;
 };
 
 }  // namespace answers
