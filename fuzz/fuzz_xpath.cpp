@@ -1,5 +1,12 @@
-// An XPath text at each of a few nodes of a document with every kind of node.
+// An XPath text at each of a few nodes of a document with every kind of node. What is
+// evaluated on the DOM itself must give what Xalan-C gives.
+#include <algorithm>
+
+#include "document/xercesdom.h"
 #include "harness.h"
+#include "registry/globals.h"
+#include "xpath/xpathguard.h"
+#include "xpath/xpathmanager.h"
 
 namespace {
 
@@ -23,6 +30,29 @@ void Evaluate(TSXRefId context, HStr* pExpression) {
   TSXNodeClose(first);
 }
 
+void CompareWays(TSXRefId context, std::string_view path) {
+  const std::u16string text(path.begin(), path.end());
+  const auto entry = g_NodeSessMap.GetEntryBySess(context);
+  xercesc::DOMNode* pNode = entry.m_pNode;
+  if (entry.m_Kind == ENodeKind::kDocumentObject) {
+    pNode = static_cast<CXercesDOM*>(pNode)->DocumentNode();
+  }
+  std::u16string message;
+  const auto evaluate = [&](EPlainPaths way) {
+    std::vector<xercesc::DOMNode*> nodes;
+    const auto status =
+        RunXPath([&] { nodes = XPathManager(pNode, way).Evaluate(text.c_str()); }, message);
+    return std::make_pair(status, nodes);
+  };
+  if (evaluate(EPlainPaths::kOnDom) != evaluate(EPlainPaths::kByXalan)) {
+    fuzz::Fail("the two ways of evaluation differ");
+  }
+}
+
+bool IsAscii(std::string_view text) {
+  return std::ranges::all_of(text, [](char byte) { return byte > 0; });
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t size) {
@@ -41,6 +71,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t size) {
   TSXGetNextSibling(text, 0, &element);
   for (const TSXRefId context : {document.Id(), element, text}) {
     Evaluate(context, expression.Out());
+    if (IsAscii(path)) CompareWays(context, path);
   }
   return 0;
 }

@@ -4,12 +4,15 @@
  * node; a document id stands for its document. Expressions are host strings in the
  * local code page. Every id written is one hand-out, owed back with TSXNodeClose;
  * it is the same id that navigation gives for the node. The evaluation changes
- * nothing and keeps nothing: nodes are looked at as the expression reaches them, so
- * "@id" or "../x[1]" cost the same in a document of any size. Paths of names, "*",
- * "@", "..", "//" and positions written as numbers ("/x/y[2]/@z" or "//x/y", but not
- * "//x[2]") are followed on the tree itself: a position ends its step, and where one
- * node is asked for the path ends at the first. Other expressions cost several times
- * as much for each node.
+ * nothing: nodes are looked at as the expression reaches them, so "@id" or "../x[1]"
+ * cost the same in a document of any size. The hundred expressions used last, those of
+ * at most 1000 code units, are kept ready, for all threads. Expressions of every day are
+ * evaluated on the tree itself: paths over all axes except "following", "preceding" and
+ * "namespace"; predicates that compare or connect paths, quoted texts, numbers, counts
+ * and positions; position, last, count, not, contains, starts-with, string,
+ * string-length, normalize-space, number, boolean, name and local-name. Their positions
+ * end a step early where they can, and where one node is asked for such a path mostly
+ * ends at the first. Other expressions cost several times as much for each node.
  *
  * Names. A prefix means what it means at the context node (at a document: at its
  * root element); "xml" always has its meaning; one that is not declared there is a

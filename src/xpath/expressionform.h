@@ -153,7 +153,7 @@ class CExpressionForm {
     std::size_t end = i + 1;
     while (Is(end, u"-")) ++end;
     end = EndFrom(end, true);
-    if (end > i + 1) Wrap(i + 1, end, u"translate(", u",'-','')");
+    if (end > i + 1) Wrap(i + 1, end, u"translate((", u"),'-','')");
   }
 
   std::u16string_view m_Text;

@@ -3,7 +3,7 @@
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
-#include "xpath/domparent.h"
+#include "xpath/domlinks.h"
 
 using xercesc::DOMNode;
 using xercesc::XMLString;

@@ -13,13 +13,14 @@ class CNamespaceScope final : public xalanc::PrefixResolver {
   // Borrows the context.
   explicit CNamespaceScope(const xercesc::DOMNode& context) : m_Context(context) {}
 
+  // Null for a prefix that is not bound.
+  const XMLCh* Find(const XMLCh* pPrefix) const;
+
   const xalanc::XalanDOMString* getNamespaceForPrefix(
       const xalanc::XalanDOMString& prefix) const override;
   const xalanc::XalanDOMString& getURI() const override { return m_BaseURI; }
 
  private:
-  const XMLCh* Find(const XMLCh* pPrefix) const;
-
   const xercesc::DOMNode& m_Context;
   const xalanc::XalanDOMString m_BaseURI;
   mutable std::deque<xalanc::XalanDOMString> m_Answers;  // Xalan-C keeps pointers to them

@@ -1,27 +1,33 @@
-// From DOM nodes to the nodes that stand for them.
+// A table by node.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <vector>
-#include <xalanc/XalanDOM/XalanNode.hpp>
 #include <xercesc/dom/DOMNode.hpp>
 
 // A hash table with open addressing; entries are never removed. At most half of
-// the slots are taken, so probing ends.
+// the slots are taken, so probing ends. Null is no key.
+template <class Value>
 class CNodeTable {
  public:
   CNodeTable() : m_Slots(kFirstSize) {}
 
-  // The node's entry, null when it is new; valid until the next call.
-  xalanc::XalanNode*& operator[](const xercesc::DOMNode* pKey) {
+  // The node's entry, made when it is new; valid until the next call.
+  Value& operator[](const xercesc::DOMNode* pKey) {
     if (m_Used * 2 >= m_Slots.size()) Grow();
     CSlot& slot = Probe(pKey);
     if (slot.m_pKey == nullptr) {
       slot.m_pKey = pKey;
       ++m_Used;
     }
-    return slot.m_pNode;
+    return slot.m_Value;
+  }
+
+  // Null for a node that has no entry; valid as above.
+  Value* Find(const xercesc::DOMNode* pKey) {
+    CSlot& slot = Probe(pKey);
+    return slot.m_pKey == nullptr ? nullptr : &slot.m_Value;
   }
 
  private:
@@ -29,7 +35,7 @@ class CNodeTable {
 
   struct CSlot {
     const xercesc::DOMNode* m_pKey = nullptr;
-    xalanc::XalanNode* m_pNode = nullptr;
+    Value m_Value = {};
   };
 
   CSlot& Probe(const xercesc::DOMNode* pKey) {

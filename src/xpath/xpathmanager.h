@@ -3,17 +3,13 @@
 
 #include <tessel/export.h>
 
+#include <optional>
 #include <string>
 #include <vector>
-#include <xalanc/DOMSupport/DOMSupport.hpp>
-#include <xalanc/XPath/XPath.hpp>
 #include <xercesc/dom/DOMNode.hpp>
 
-#include "xpath/execution.h"
 #include "xpath/namespacescope.h"
-#include "xpath/numberguard.h"
-#include "xpath/silentcontexts.h"
-#include "xpath/xpathtree.h"
+#include "xpath/plainform.h"
 
 // A failure of our own: a status code, and the text for the host.
 class KelXPathException {
@@ -29,31 +25,12 @@ class KelXPathException {
   std::u16string m_Message;
 };
 
-// Document order as the tree has it.
-class CXPathOrder final : public xalanc::DOMSupport {
- public:
-  explicit CXPathOrder(CXPathTree& tree) : m_Tree(tree) {}
-
-  void reset() override {}
-  const xalanc::XalanDOMString& getUnparsedEntityURI(const xalanc::XalanDOMString&,
-                                                     const xalanc::XalanDocument&) const override {
-    return m_None;
-  }
-  bool isNodeAfter(const xalanc::XalanNode& node, const xalanc::XalanNode& other) const override {
-    return m_Tree.IsAfter(node, other);
-  }
-
- private:
-  CXPathTree& m_Tree;
-  const xalanc::XalanDOMString m_None;
-};
-
-// Who follows what plainpath.h calls plain. The results are the same: Xalan-C serves
-// for comparison.
+// Which engine evaluates what plainform.h calls plain. The results are the same: Xalan-C
+// serves for comparison.
 enum class EPlainPaths { kOnDom, kByXalan };
 
-// One evaluation; make it on the stack and let it go before the tree changes. One
-// thread, and nobody else may work on the document meanwhile. Throws what RunXPath
+// Evaluations at one node; make it on the stack and let it go before the tree changes.
+// One thread, and nobody else may work on the document meanwhile. Throws what RunXPath
 // of xpathguard.h maps.
 class XPathManager {
  public:
@@ -69,13 +46,10 @@ class XPathManager {
 
  private:
   std::vector<xercesc::DOMNode*> Select(const XMLCh* pExpression, std::size_t most);
-  std::vector<xercesc::DOMNode*> Execute(const xalanc::XPath& xpath, std::size_t most);
+  std::optional<std::vector<xercesc::DOMNode*>> SelectPlain(const plain::CForm& form,
+                                                            std::size_t most);
 
   const EPlainPaths m_PlainPaths;
-  CXPathTree m_Tree;
-  CXPathOrder m_Order;
+  xercesc::DOMNode& m_Context;
   CNamespaceScope m_Scope;
-  CSilentEnvironment m_Environment;
-  CNumberGuard m_Factory;
-  CExecution m_Execution;
 };

@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "xpath/domparent.h"
+#include "xpath/domlinks.h"
 #include "xpath/xpathnodes.h"
 
 using xalanc::XalanNode;
@@ -10,22 +10,8 @@ using xercesc::DOMNode;
 
 namespace {
 
-DOMNode* TopOf(DOMNode& node) {
-  DOMNode* pTop = &node;
-  while (DOMNode* pUp = DomParent(*pTop)) {
-    pTop = pUp;
-    if (pTop->getNodeType() == DOMNode::ATTRIBUTE_NODE) break;
-  }
-  return pTop;
-}
-
-bool IsPlainRoot(const DOMNode& top) {
-  const DOMNode::NodeType type = top.getNodeType();
-  return type == DOMNode::DOCUMENT_NODE || type == DOMNode::DOCUMENT_FRAGMENT_NODE;
-}
-
 bool StandsAtRoot(const DOMNode& top, const DOMNode& context) {
-  return IsPlainRoot(top) || (top.getNodeType() == DOMNode::ATTRIBUTE_NODE && &top != &context);
+  return DomIsRoot(top) || (top.getNodeType() == DOMNode::ATTRIBUTE_NODE && &top != &context);
 }
 
 bool IsAttributeAfter(const DOMNode& attribute, const DOMNode& other) {
@@ -100,7 +86,7 @@ const xalanc::XalanDOMString& CWrapped::Value() {
 
 // -- CXPathTree ------------------------------------------------------------------
 
-CXPathTree::CXPathTree(DOMNode& context) : m_pTop(TopOf(context)) {
+CXPathTree::CXPathTree(DOMNode& context) : m_pTop(DomTop(context)) {
   MakeRoot(StandsAtRoot(*m_pTop, context));
   m_pContext = Wrap(&context);
 }
@@ -136,8 +122,6 @@ xalanc::XalanElement& CXPathTree::WholeContent() {
   return *m_pWholeContent;
 }
 
-bool CXPathTree::HasPlainRoot() const { return IsPlainRoot(*m_pTop); }
-
 XalanNode* CXPathTree::Wrap(DOMNode* pNode) {
   if (pNode == nullptr) return nullptr;
   XalanNode*& pWrapping = m_Nodes[pNode];
@@ -172,7 +156,7 @@ XalanNode* CXPathTree::FindById(const XMLCh* pId) {
                                               : m_pTop->getOwnerDocument();
   if (pDocument == nullptr) return nullptr;
   DOMNode* pElement = pDocument->getElementById(pId);
-  return pElement != nullptr && TopOf(*pElement) == m_pTop ? Wrap(pElement) : nullptr;
+  return pElement != nullptr && DomTop(*pElement) == m_pTop ? Wrap(pElement) : nullptr;
 }
 
 const xalanc::XalanDOMString& CXPathTree::Name(const XMLCh* pName) {

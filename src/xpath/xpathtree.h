@@ -85,8 +85,6 @@ class CXPathTree {
   // the text of a document from its one element; a fragment's may be several.
   xalanc::XalanElement& WholeContent();
   xercesc::DOMNode* Top() { return m_pTop; }
-  // Whether the top is a document or a fragment.
-  bool HasPlainRoot() const;
   // The wrapping node, null for null. The node must hang in this tree.
   xalanc::XalanNode* Wrap(xercesc::DOMNode* pNode);
   // The DOM node, null for a node that stands for none.
@@ -120,7 +118,7 @@ class CXPathTree {
 
   CStackGuard m_Stack;
   std::pmr::monotonic_buffer_resource m_Memory;  // of the nodes; none owns anything
-  CNodeTable m_Nodes;
+  CNodeTable<xalanc::XalanNode*> m_Nodes;
   std::unordered_map<const XMLCh*, xalanc::XalanDOMString> m_Names;
   std::deque<xalanc::XalanDOMString> m_Values;
   const xalanc::XalanDOMString m_NoText;

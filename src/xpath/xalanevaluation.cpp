@@ -1,0 +1,45 @@
+#include "xpath/xalanevaluation.h"
+
+#include <algorithm>
+#include <xalanc/XPath/XObject.hpp>
+#include <xalanc/XPath/XPathProcessorImpl.hpp>
+
+#include "xpath/expressionform.h"
+#include "xpath/expressionlimits.h"
+
+// Errors are about the host's own text, so that is compiled first.
+CXalanForm::CXalanForm(const XMLCh* pExpression, const CNamespaceScope& scope)
+    : m_XPath(*xercesc::XMLPlatformUtils::fgMemoryManager) {
+  CheckExpression(pExpression);
+  Compile(pExpression, scope);
+  const auto rewritten = CExpressionForm(pExpression).Rewritten();
+  if (rewritten) Compile(rewritten->c_str(), scope);
+  // Literals stay the expression's own. Otherwise Xalan-C copies each into an object
+  // that keeps the number of the one before: "1 = '1' and 2 = '2'" was false.
+  m_XPath.setInStylesheet(true);
+}
+
+void CXalanForm::Compile(const XMLCh* pExpression, const CNamespaceScope& scope) {
+  xalanc::XPathProcessorImpl processor;
+  processor.initXPath(m_XPath, m_Construction, xalanc::XalanDOMString(pExpression), scope);
+}
+
+CXalanEvaluation::CXalanEvaluation(xercesc::DOMNode& context, const CNamespaceScope& scope)
+    : m_Scope(scope),
+      m_Tree(context),
+      m_Order(m_Tree),
+      m_Execution(m_Environment, m_Order, m_Factory, &m_Tree.Context(), nullptr, &m_Scope) {}
+
+// Without the nodes that stand for none.
+std::vector<xercesc::DOMNode*> CXalanEvaluation::Select(const CXalanForm& form, std::size_t most) {
+  const xalanc::XObjectPtr result = form.Get().execute(&m_Tree.Context(), m_Scope, m_Execution);
+  const xalanc::NodeRefListBase& nodes = result->nodeset();
+  const xalanc::NodeRefListBase::size_type count = nodes.getLength();
+  std::vector<xercesc::DOMNode*> selected;
+  selected.reserve(std::min<std::size_t>(count, most));
+  for (xalanc::NodeRefListBase::size_type i = 0; i < count && selected.size() < most; ++i) {
+    xercesc::DOMNode* pNode = CXPathTree::Unwrap(*nodes.item(i));
+    if (pNode != nullptr) selected.push_back(pNode);
+  }
+  return selected;
+}
