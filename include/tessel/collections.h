@@ -94,13 +94,15 @@ TSX_API TSXStatus TSXElementGetElementsByTagNameNSArray(TSXRefId element, HStr* 
  * range gives 0 and status 0. In a list by tag name the next index is one step
  * on from the last one asked for; an earlier index, a change anywhere in the
  * document and TSXGetListLength start again from the front, so ask for the
- * length once, before the loop. In a child list every call walks from the first
- * child: for more than a few take TSXGetChildNodes, or siblings.
- * domErrRefGetItem. */
+ * length once, before the loop. A child list walks from the member last asked
+ * for, or from the first, whichever is nearer, so a loop takes a step for each
+ * member, forwards and backwards; after a change anywhere in the document the
+ * first call walks from the first child. domErrRefGetItem. */
 TSX_API TSXStatus TSXGetItem(TSXRefId list, int32_t index, TSXRefId* nodeOut);
 
-/* Gives the number of members; every call counts them, in a list by tag name
- * with a walk over the whole subtree. domErrRefGetListLength. */
+/* Gives the number of members. A list by tag name counts them at every call,
+ * with a walk over the whole subtree, a child list at the first call after a
+ * change of the document. domErrRefGetListLength. */
 TSX_API TSXStatus TSXGetListLength(TSXRefId list, uint64_t ignored, int32_t* lengthOut);
 
 /* Gives the ids of all members as they are now, in one pass. domErrRefGetItem,

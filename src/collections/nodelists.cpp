@@ -74,6 +74,17 @@ TSXStatus GetArray(TSXRefId root, TSXStatus badReference, GenericRefObjSessionAr
   return Get<Interface, Maps<>>(root, badReference, CArrayOut(pNodesOut), find, pStrings...);
 }
 
+// A question to a list, which starts where the last one ended.
+template <class Out, class Ask>
+TSXStatus Read(TSXRefId list, TSXStatus badReference, Out out, Ask ask) {
+  return Get<CHeldList, Maps<>>(list, badReference, out, [&](const CHeldList& held) {
+    auto reading = held.m_Reading;
+    const auto answer = ask(*held.m_pCollection, held.m_pHolder, reading);
+    if (reading != held.m_Reading) g_NodeListSessMap.KeepReading(list, reading);
+    return answer;
+  });
+}
+
 }  // namespace
 
 TSXStatus TSXGetChildNodeList(TSXRefId node, uint64_t, TSXRefId* listOut) {
@@ -132,14 +143,14 @@ TSXStatus TSXElementGetElementsByTagNameNSArray(TSXRefId element, HStr* namespac
 }
 
 TSXStatus TSXGetItem(TSXRefId list, int32_t index, TSXRefId* nodeOut) {
-  return Get<DOMNodeList, Maps<>>(list, domErrRefGetItem, CNodeOut(nodeOut), [&](auto& l) {
-    return index < 0 ? nullptr : l.item(static_cast<XMLSize_t>(index));
+  return Read(list, domErrRefGetItem, CNodeOut(nodeOut), [&](auto&... read) {
+    return index < 0 ? nullptr : dom::Member(read..., static_cast<XMLSize_t>(index));
   });
 }
 
 TSXStatus TSXGetListLength(TSXRefId list, uint64_t, int32_t* lengthOut) {
-  return Get<DOMNodeList, Maps<>>(list, domErrRefGetListLength, CCountOut(lengthOut),
-                                  [](auto& l) { return l.getLength(); });
+  return Read(list, domErrRefGetListLength, CCountOut(lengthOut),
+              [](auto&... read) { return dom::Length(read...); });
 }
 
 TSXStatus TSXGetNodeListArray(TSXRefId list, uint64_t, GenericRefObjSessionArray* nodesOut) {

@@ -62,6 +62,13 @@ inline auto FindObject<xercesc::DOMNodeList>(TSXRefId id) {
   return g_NodeListSessMap.GetPtrBySess(id);
 }
 
+// A list with its holder and its last reading.
+template <>
+inline auto FindObject<CHeld<xercesc::DOMNodeList>>(TSXRefId id) {
+  const auto held = g_NodeListSessMap.GetHeldBySess(id);
+  return held.m_pCollection != nullptr ? std::optional(held) : std::nullopt;
+}
+
 template <>
 inline auto FindObject<xercesc::DOMNamedNodeMap>(TSXRefId id) {
   return g_NamedNodeMapSessMap.GetPtrBySess(id);

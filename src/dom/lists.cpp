@@ -30,10 +30,35 @@ std::vector<DOMNode*> ElementsBelow(const DOMNode& root, Test test) {
   return elements;
 }
 
-// It is the list that its first member's parent gives.
-bool IsChildList(const DOMNodeList& list, const DOMNode& first) {
-  const DOMNode* pParent = Parent(first);
-  return pParent != nullptr && &ParentPart(*pParent)->fChildNodeList == &list;
+bool IsChildList(const DOMNodeList& list, const DOMNode* pHolder) {
+  const xercesc::DOMParentNode* pParent = pHolder != nullptr ? ParentPart(*pHolder) : nullptr;
+  return pParent != nullptr && &pParent->fChildNodeList == &list;
+}
+
+// A document type that no document has taken counts no changes, and has no children.
+bool KeepsPlace(const DOMNodeList& list, const DOMNode* pHolder) {
+  return IsChildList(list, pHolder) && TreeOf(*pHolder) != nullptr;
+}
+
+void ForgetWhatChanged(CPlace& place, const DOMNode& holder) {
+  const int changes = Impl(*TreeOf(holder)).*reveal::CDocument::kChanges;
+  if (place.m_Changes != changes) place = {.m_Changes = changes};
+}
+
+// From the first child, or from the place where that is nearer.
+DOMNode* Walk(const DOMNode& holder, XMLSize_t index, CPlace& place) {
+  const bool isNearer = place.m_pNode != nullptr && index >= place.m_Index / 2;
+  DOMNode* pNode = isNearer ? place.m_pNode : MadeFirstChild(holder);
+  XMLSize_t at = isNearer ? place.m_Index : 0;
+  for (; at > index; --at) pNode = ChildPart(*pNode)->previousSibling;
+  for (; at < index && pNode != nullptr; ++at) pNode = NextSibling(*pNode);
+  if (pNode == nullptr) {
+    place.m_Length = at;
+  } else {
+    place.m_pNode = pNode;
+    place.m_Index = at;
+  }
+  return pNode;
 }
 
 }  // namespace
@@ -62,11 +87,29 @@ std::vector<DOMNode*> ElementsByNameNS(const DOMNode& root, const XMLCh* pURI,
   });
 }
 
+DOMNode* Member(const DOMNodeList& list, const DOMNode* pHolder, CPlace& place, XMLSize_t index) {
+  if (!KeepsPlace(list, pHolder)) return list.item(index);
+  ForgetWhatChanged(place, *pHolder);
+  return index < place.m_Length ? Walk(*pHolder, index, place) : nullptr;
+}
+
+XMLSize_t Length(const DOMNodeList& list, const DOMNode* pHolder, CPlace& place) {
+  if (!KeepsPlace(list, pHolder)) return list.getLength();
+  ForgetWhatChanged(place, *pHolder);
+  if (place.m_Length == CPlace::kUnknown) {
+    XMLSize_t length = 0;
+    const DOMNode* pChild = MadeFirstChild(*pHolder);
+    for (; pChild != nullptr; pChild = NextSibling(*pChild)) ++length;
+    place.m_Length = length;
+  }
+  return place.m_Length;
+}
+
 std::vector<DOMNode*> MembersOf(const DOMNodeList& list) {
   std::vector<DOMNode*> members;
   DOMNode* pNode = list.item(0);
   if (pNode == nullptr) return members;
-  if (IsChildList(list, *pNode)) {
+  if (IsChildList(list, Parent(*pNode))) {
     for (; pNode != nullptr; pNode = NextSibling(*pNode)) members.push_back(pNode);
   } else {
     for (XMLSize_t i = 1; pNode != nullptr; pNode = list.item(i++)) members.push_back(pNode);

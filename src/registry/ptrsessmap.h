@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 
+#include "dom/lists.h"
 #include "dom/look.h"
 #include "host/hostmutex.h"
 #include "registry/holdings.h"
@@ -23,12 +24,21 @@ struct CSessSlot {
   void SetFree() { m_RefCount = 0; }
 };
 
+// What is remembered of reading a collection: of a list the place.
+template <class T>
+struct CReading {
+  bool operator==(const CReading&) const = default;
+};
+template <>
+struct CReading<xercesc::DOMNodeList> : dom::CPlace {};
+
 // What a registry of collections keeps besides: the node whose memory a collection lives
 // and dies with, and the document of that node. One without never dies.
 template <class T>
 struct CHeldSlot : CSessSlot<T> {
   const xercesc::DOMNode* m_pHolder = nullptr;
   const xercesc::DOMDocument* m_pTree = nullptr;
+  [[no_unique_address]] CReading<T> m_Reading{};
 };
 
 template <class T>
@@ -41,6 +51,7 @@ template <class T>
 struct CHeld {
   T* m_pCollection = nullptr;
   xercesc::DOMNode* m_pHolder = nullptr;
+  [[no_unique_address]] CReading<T> m_Reading{};
 };
 
 // Gives each registered pointer an id and counts how often that id was handed
@@ -84,12 +95,18 @@ class TESSEL_DATA CPtrSessMap {
     return Register(held.m_pCollection, slot);
   }
 
-  // As GetPtrBySess, with the holder.
+  // As GetPtrBySess, with the holder and with what the last reading left.
   CHeld<T> GetHeldBySess(unsigned long id) {
     CHostLock lock(m_Mutex);
     const CSlot* pSlot = m_Slots.Find(id);
     if (pSlot == nullptr) return {};
-    return {pSlot->m_pObject, const_cast<xercesc::DOMNode*>(pSlot->m_pHolder)};
+    return {pSlot->m_pObject, const_cast<xercesc::DOMNode*>(pSlot->m_pHolder), pSlot->m_Reading};
+  }
+
+  // Leaves what a reading found for the next one.
+  void KeepReading(unsigned long id, const CReading<T>& reading) {
+    CHostLock lock(m_Mutex);
+    if (CSlot* pSlot = m_Slots.Find(id)) pSlot->m_Reading = reading;
   }
 
   // Takes back the ids of the collections of these nodes.
