@@ -8,7 +8,6 @@
 #include "edit.h"
 #include "message.h"
 #include "output.h"
-#include "progress.h"
 
 namespace {
 
@@ -47,10 +46,8 @@ void RequireUsable(const CEditOptions& options) {
 // A file in which one edit fails is left as it was; the others are changed.
 int RunEdits(const CEditOptions& options, const CClient& client) {
   RequireUsable(options);
-  const std::vector<CInput> inputs = PrepareInputs(options.m_Files, client);
   int result = kDone;
-  for (const CInput& input : inputs) {
-    NextFile();
+  for (const CInput& input : PrepareInputs(options.m_Files, client)) {
     try {
       EditFile(input, options, client);
     } catch (const CFailure& failure) {

@@ -24,15 +24,18 @@ inline DOMNode* MadeFirstChild(const DOMNode& node) {
   const xercesc::DOMParentNode* pParent = ParentPart(node);
   return pParent != nullptr ? pParent->fFirstChild : nullptr;
 }
-inline DOMNode* FirstChild(const DOMNode& node) {
-  if (node.getNodeType() == DOMNode::ENTITY_NODE) return node.getFirstChild();
-  return MadeFirstChild(node);
+inline DOMNode* FirstChildAs(const DOMNode& node, DOMNode::NodeType type) {
+  if (type == DOMNode::ENTITY_NODE) return node.getFirstChild();
+  const xercesc::DOMParentNode* pParent = ParentPart(node, type);
+  return pParent != nullptr ? pParent->fFirstChild : nullptr;
 }
+inline DOMNode* FirstChild(const DOMNode& node) { return FirstChildAs(node, node.getNodeType()); }
 
-inline DOMNode* NextSibling(const DOMNode& node) {
-  const xercesc::DOMChildNode* pChild = ChildPart(node);
+inline DOMNode* NextSiblingAs(const DOMNode& node, DOMNode::NodeType type) {
+  const xercesc::DOMChildNode* pChild = ChildPart(node, type);
   return pChild != nullptr ? pChild->nextSibling : nullptr;
 }
+inline DOMNode* NextSibling(const DOMNode& node) { return NextSiblingAs(node, node.getNodeType()); }
 
 // The last child is found from the first one, whose link to a previous sibling it takes.
 inline DOMNode* LastChild(const DOMNode& node) {

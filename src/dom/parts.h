@@ -144,10 +144,11 @@ inline xercesc::DOMNodeImpl& NodePart(const DOMNode& constNode) {
   }
 }
 
-// Null for the kinds that cannot have children.
-inline xercesc::DOMParentNode* ParentPart(const DOMNode& constNode) {
+// Null for the kinds that cannot have children. For whoever knows the type already: asking
+// a node for it takes as long as all else.
+inline xercesc::DOMParentNode* ParentPart(const DOMNode& constNode, DOMNode::NodeType type) {
   auto& node = const_cast<DOMNode&>(constNode);
-  switch (node.getNodeType()) {
+  switch (type) {
     case DOMNode::ELEMENT_NODE:
       return &static_cast<xercesc::DOMElementImpl&>(node).fParent;
     case DOMNode::ATTRIBUTE_NODE:
@@ -167,10 +168,14 @@ inline xercesc::DOMParentNode* ParentPart(const DOMNode& constNode) {
   }
 }
 
-// Null for the kinds that are nobody's child.
-inline xercesc::DOMChildNode* ChildPart(const DOMNode& constNode) {
+inline xercesc::DOMParentNode* ParentPart(const DOMNode& node) {
+  return ParentPart(node, node.getNodeType());
+}
+
+// Null for the kinds that are nobody's child; as above.
+inline xercesc::DOMChildNode* ChildPart(const DOMNode& constNode, DOMNode::NodeType type) {
   auto& node = const_cast<DOMNode&>(constNode);
-  switch (node.getNodeType()) {
+  switch (type) {
     case DOMNode::ELEMENT_NODE:
       return &static_cast<xercesc::DOMElementImpl&>(node).fChild;
     case DOMNode::TEXT_NODE:
@@ -189,6 +194,10 @@ inline xercesc::DOMChildNode* ChildPart(const DOMNode& constNode) {
     default:
       return nullptr;
   }
+}
+
+inline xercesc::DOMChildNode* ChildPart(const DOMNode& node) {
+  return ChildPart(node, node.getNodeType());
 }
 
 // The attributes of an element, in the order of the map; null while there was none yet.

@@ -1,6 +1,6 @@
 #include "xpath/documentorder.h"
 
-#include "xpath/domlinks.h"
+#include "dom/look.h"
 #include "xpath/nodetable.h"
 
 using xercesc::DOMNode;
@@ -22,9 +22,9 @@ bool IsBefore(const DOMNode& node, const DOMNode& sibling) {
   const DOMNode* pNode = &node;
   const DOMNode* pSibling = &sibling;
   while (true) {
-    pNode = DomNextSibling(*pNode);
+    pNode = dom::NextSibling(*pNode);
     if (pNode == &sibling) return true;
-    pSibling = DomNextSibling(*pSibling);
+    pSibling = dom::NextSibling(*pSibling);
     if (pSibling == &node || pNode == nullptr) return false;
     if (pSibling == nullptr) return true;
   }
@@ -58,7 +58,7 @@ class COrder {
     bool isNew = !pMark->m_HasAttributes && pMark->m_Children == 0;
     DOMNode* pNode = &node;
     while (isNew) {
-      DOMNode* pParent = DomParent(*pNode);
+      DOMNode* pParent = dom::ParentOrElement(*pNode);
       if (pParent == nullptr) {
         m_pTop = pNode;
         return;
@@ -86,7 +86,7 @@ class COrder {
       }
       DOMNode* pNode = level.m_pNext;
       const bool isInMember = level.m_IsInMember;
-      level.m_pNext = level.m_HasOthers ? DomNextSibling(*pNode) : level.m_pSecond;
+      level.m_pNext = level.m_HasOthers ? dom::NextSibling(*pNode) : level.m_pSecond;
       if (level.m_HasOthers && m_Marks.Find(pNode) == nullptr) continue;
       --level.m_Left;
       Enter(*pNode, isInMember);
@@ -108,7 +108,7 @@ class COrder {
       level.m_pNext = isInOrder ? mark.m_pFirst : mark.m_pSecond;
       level.m_pSecond = isInOrder ? mark.m_pSecond : mark.m_pFirst;
     } else if (level.m_HasOthers) {
-      level.m_pNext = DomFirstChild(node);
+      level.m_pNext = dom::FirstChild(node);
     }
     m_Levels.push_back(level);
   }

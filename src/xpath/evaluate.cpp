@@ -13,13 +13,6 @@ namespace {
 
 using CNodes = std::vector<DOMNode*>;
 
-// A document object stands for its document; null for an id that names nothing.
-DOMNode* ContextNode(TSXRefId id) {
-  const auto entry = g_NodeSessMap.GetEntryBySess(id);
-  if (entry.m_pNode == nullptr || entry.m_Kind != ENodeKind::kDocumentObject) return entry.m_pNode;
-  return static_cast<CXercesDOM*>(entry.m_pNode)->DocumentNode();
-}
-
 // Selects nodes and stores them when all went well; a failure's message goes to
 // the host.
 template <class Select, class Store>
@@ -29,7 +22,7 @@ TSXStatus Evaluate(TSXRefId context, HStr* pExpression, HStr* pErrorText, Select
   std::u16string message;
   const TSXStatus status = RunXPath(
       [&] {
-        XPathManager manager(ContextNode(context));
+        XPathManager manager(FindObject<DOMNode>(context));
         store(select(manager, CWideText(pExpression).Get()));
       },
       message);

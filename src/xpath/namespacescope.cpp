@@ -3,7 +3,7 @@
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
-#include "xpath/domlinks.h"
+#include "dom/look.h"
 
 using xercesc::DOMNode;
 using xercesc::XMLString;
@@ -48,7 +48,7 @@ const XMLCh* CNamespaceScope::Find(const XMLCh* pPrefix) const {
   if (pNode->getNodeType() == DOMNode::DOCUMENT_NODE) {
     pNode = static_cast<const xercesc::DOMDocument*>(pNode)->getDocumentElement();
   }
-  for (; pNode != nullptr; pNode = DomParent(*pNode)) {
+  for (; pNode != nullptr; pNode = dom::ParentOrElement(*pNode)) {
     if (pNode->getNodeType() != DOMNode::ELEMENT_NODE) continue;
     const XMLCh* pURI = Declared(*pNode, pPrefix);
     if (pURI != nullptr) return pURI;

@@ -2,9 +2,8 @@
 
 #include <charconv>
 #include <limits>
-#include <vector>
 
-#include "xpath/domlinks.h"
+#include "dom/look.h"
 
 using xercesc::DOMNode;
 
@@ -18,25 +17,27 @@ constexpr std::size_t kMostLevels = 1000;
 constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr std::u16string_view kSpaces = u" \t\r\n";
 
-bool IsText(const DOMNode& node) {
-  const DOMNode::NodeType type = node.getNodeType();
+bool IsText(DOMNode::NodeType type) {
   return type == DOMNode::TEXT_NODE || type == DOMNode::CDATA_SECTION_NODE;
 }
 
 // Entity references are not seen through.
 bool AppendTexts(const DOMNode& top, std::u16string& buffer) {
-  std::vector<const DOMNode*> open;
-  for (const DOMNode* p = DomFirstChild(top); p != nullptr;) {
+  std::size_t level = 0;
+  for (const DOMNode* p = dom::FirstChild(top); p != nullptr;) {
+    const DOMNode::NodeType type = p->getNodeType();
     const DOMNode* pNext = nullptr;
-    if (IsText(*p)) {
+    if (IsText(type)) {
       buffer += p->getNodeValue();
-    } else if (p->getNodeType() == DOMNode::ELEMENT_NODE) {
-      pNext = DomFirstChild(*p);
-      if (pNext != nullptr) open.push_back(p);
-      if (open.size() > kMostLevels) return false;
+    } else if (type == DOMNode::ELEMENT_NODE) {
+      pNext = dom::FirstChildAs(*p, type);
+      if (pNext != nullptr && ++level > kMostLevels) return false;
     }
-    if (pNext == nullptr) pNext = DomNextSibling(*p);
-    for (; pNext == nullptr && !open.empty(); open.pop_back()) pNext = DomNextSibling(*open.back());
+    if (pNext == nullptr) pNext = dom::NextSiblingAs(*p, type);
+    for (; pNext == nullptr && level > 0; --level) {
+      p = dom::Parent(*p);
+      pNext = dom::NextSibling(*p);
+    }
     p = pNext;
   }
   return true;
@@ -76,7 +77,7 @@ bool ReadSmall(std::u16string_view text, double& number) {
 std::optional<std::u16string_view> StringValue(const DOMNode& node, std::u16string& buffer) {
   switch (node.getNodeType()) {
     case DOMNode::ATTRIBUTE_NODE:
-      return View(DomAttributeValue(node));
+      return View(dom::Value(dom::As<xercesc::DOMAttr>(node)));
     case DOMNode::TEXT_NODE:
     case DOMNode::CDATA_SECTION_NODE:
     case DOMNode::COMMENT_NODE:
@@ -89,9 +90,11 @@ std::optional<std::u16string_view> StringValue(const DOMNode& node, std::u16stri
     default:
       return std::nullopt;
   }
-  const DOMNode* pOnly = DomFirstChild(node);
+  const DOMNode* pOnly = dom::FirstChild(node);
   if (pOnly == nullptr) return std::u16string_view();
-  if (IsText(*pOnly) && DomNextSibling(*pOnly) == nullptr) return View(pOnly->getNodeValue());
+  const DOMNode::NodeType type = pOnly->getNodeType();
+  if (IsText(type) && dom::NextSiblingAs(*pOnly, type) == nullptr)
+    return View(pOnly->getNodeValue());
   buffer.clear();
   if (!AppendTexts(node, buffer)) return std::nullopt;
   return buffer;

@@ -2,8 +2,8 @@
 #include <limits>
 #include <utility>
 
+#include "dom/look.h"
 #include "xpath/documentorder.h"
-#include "xpath/domlinks.h"
 #include "xpath/nodetable.h"
 #include "xpath/plainevaluation.h"
 
@@ -83,9 +83,11 @@ void KeepOutermost(CNodes& set) {
   const auto isInside = [&](DOMNode* pNode) {
     const DOMNode* pUp = pNode;
     EPlace place = EPlace::kUnknown;
-    while (place == EPlace::kUnknown && (pUp = DomParent(*pUp)) != nullptr) place = places[pUp];
+    while (place == EPlace::kUnknown && (pUp = dom::ParentOrElement(*pUp)) != nullptr)
+      place = places[pUp];
     if (place == EPlace::kUnknown) place = EPlace::kOutside;
-    for (const DOMNode* p = DomParent(*pNode); p != pUp; p = DomParent(*p)) places[p] = place;
+    for (const DOMNode* p = dom::ParentOrElement(*pNode); p != pUp; p = dom::ParentOrElement(*p))
+      places[p] = place;
     places[pNode] = EPlace::kInside;  // so is what follows below it
     return place == EPlace::kInside;
   };
@@ -226,11 +228,11 @@ void CPlainEvaluation::TakeOnce(const CStep& step, CNodes& set) {
   if (step.m_Axis == EAxis::kPrecedingSibling) std::ranges::reverse(set.m_Nodes);
   for (DOMNode* pNode : set.m_Nodes) {
     if (step.m_Axis == EAxis::kAncestor || step.m_Axis == EAxis::kAncestorOrSelf) {
-      DOMNode* pUp = step.m_Axis == EAxis::kAncestor ? DomParent(*pNode) : pNode;
-      for (; isFirst(pUp); pUp = DomParent(*pUp)) {
+      DOMNode* pUp = step.m_Axis == EAxis::kAncestor ? dom::ParentOrElement(*pNode) : pNode;
+      for (; isFirst(pUp); pUp = dom::ParentOrElement(*pUp)) {
         Apply(alone, *pUp, add, nullptr);
       }
-    } else if (!IsSibling(step.m_Axis) || isFirst(DomParent(*pNode))) {
+    } else if (!IsSibling(step.m_Axis) || isFirst(dom::ParentOrElement(*pNode))) {
       Apply(step, *pNode, add, nullptr);
     }
   }

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "xpath/domlinks.h"
+#include "dom/look.h"
 #include "xpath/nodetext.h"
 #include "xpath/plainevaluation.h"
 
@@ -23,7 +23,7 @@ bool AreEqual(const XMLCh* pText, std::u16string_view other) {
 
 // Attributes have no children here.
 DOMNode* FirstBelow(const DOMNode& node) {
-  return IsAttribute(node) ? nullptr : DomFirstChild(node);
+  return IsAttribute(node) ? nullptr : dom::FirstChild(node);
 }
 
 }  // namespace
@@ -69,9 +69,17 @@ bool CPlainEvaluation::Walk(const CStep& step, DOMNode& from, CVisitor visit, CD
   const auto pass = [&](DOMNode& node) {
     return !Matches(step, node, node.getNodeType()) || visit(node);
   };
-  const auto passAll = [&](DOMNode* pNode, auto next) {
-    for (; pNode != nullptr; pNode = next(*pNode)) {
+  const auto passUp = [&](DOMNode* pNode) {
+    for (; pNode != nullptr; pNode = dom::ParentOrElement(*pNode)) {
       if (!pass(*pNode)) return false;
+    }
+    return true;
+  };
+  const auto passOn = [&](DOMNode* pNode) {
+    while (pNode != nullptr) {
+      const DOMNode::NodeType type = pNode->getNodeType();
+      if (Matches(step, *pNode, type) && !visit(*pNode)) return false;
+      pNode = dom::NextSiblingAs(*pNode, type);
     }
     return true;
   };
@@ -79,20 +87,24 @@ bool CPlainEvaluation::Walk(const CStep& step, DOMNode& from, CVisitor visit, CD
     case EAxis::kSelf:
       return pass(from);
     case EAxis::kParent: {
-      DOMNode* pParent = DomParent(from);
+      DOMNode* pParent = dom::ParentOrElement(from);
       return pParent == nullptr || pass(*pParent);
     }
     case EAxis::kAncestor:
-      return passAll(DomParent(from), DomParent);
+      return passUp(dom::ParentOrElement(from));
     case EAxis::kAncestorOrSelf:
-      return passAll(&from, DomParent);
+      return passUp(&from);
     case EAxis::kChild:
     case EAxis::kChildOfEach:
-      return passAll(FirstBelow(from), DomNextSibling);
+      return passOn(FirstBelow(from));
     case EAxis::kFollowingSibling:
-      return IsAttribute(from) || passAll(DomNextSibling(from), DomNextSibling);
+      return IsAttribute(from) || passOn(dom::NextSibling(from));
     case EAxis::kPrecedingSibling:
-      return IsAttribute(from) || passAll(DomPreviousSibling(from), DomPreviousSibling);
+      for (DOMNode* p = IsAttribute(from) ? nullptr : dom::PreviousSibling(from); p != nullptr;
+           p = dom::PreviousSibling(*p)) {
+        if (!pass(*p)) return false;
+      }
+      return true;
     case EAxis::kDescendantOrSelf:
       return pass(from) && WalkBelow(step, from, visit, pDepth);
     case EAxis::kDescendant:
@@ -111,19 +123,22 @@ bool CPlainEvaluation::Walk(const CStep& step, DOMNode& from, CVisitor visit, CD
 bool CPlainEvaluation::WalkBelow(const CStep& step, DOMNode& from, CVisitor visit, CDepth* pDepth) {
   CDepth unused;
   CDepth& depth = pDepth == nullptr ? unused : *pDepth;
-  std::vector<DOMNode*> open;
+  long level = 0;
   for (DOMNode* pNode = FirstBelow(from); pNode != nullptr;) {
-    depth.m_Now = static_cast<long>(open.size()) + 1;
+    depth.m_Now = level + 1;
     depth.m_Least = std::min(depth.m_Least, depth.m_Now);
     const DOMNode::NodeType type = pNode->getNodeType();
     if (Matches(step, *pNode, type) && !visit(*pNode)) return false;
-    DOMNode* pNext = type == DOMNode::TEXT_NODE ? nullptr : DomFirstChild(*pNode);
+    DOMNode* pNext = dom::FirstChildAs(*pNode, type);
     if (pNext != nullptr) {
-      open.push_back(pNode);
+      ++level;
     } else {
-      pNext = DomNextSibling(*pNode);
+      pNext = dom::NextSiblingAs(*pNode, type);
     }
-    for (; pNext == nullptr && !open.empty(); open.pop_back()) pNext = DomNextSibling(*open.back());
+    for (; pNext == nullptr && level > 0; --level) {
+      pNode = dom::Parent(*pNode);
+      pNext = dom::NextSibling(*pNode);
+    }
     pNode = pNext;
   }
   return true;
@@ -218,7 +233,7 @@ bool CPlainEvaluation::ApplyToEach(const CStep& step, DOMNode& from, CVisitor vi
       open.pop_back();
       continue;
     }
-    level.m_pChild = DomNextSibling(*pNode);
+    level.m_pChild = dom::NextSibling(*pNode);
     depth.m_Now = static_cast<long>(open.size());
     depth.m_Least = std::min(depth.m_Least, depth.m_Now);
     if (level.m_Next < chosen.size() && chosen[level.m_Next] == pNode) {

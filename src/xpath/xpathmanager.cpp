@@ -4,10 +4,10 @@
 
 #include <limits>
 
-#include "xpath/domlinks.h"
 #include "xpath/expressioncache.h"
 #include "xpath/nodetext.h"
 #include "xpath/plainevaluation.h"
+#include "xpath/treetop.h"
 
 using xercesc::DOMNode;
 
@@ -57,8 +57,8 @@ std::vector<DOMNode*> XPathManager::Select(const XMLCh* pExpression, std::size_t
 std::optional<std::vector<DOMNode*>> XPathManager::SelectPlain(const plain::CForm& form,
                                                                std::size_t most) {
   if (form.Expression().m_Type != plain::EType::kNodes) return std::nullopt;
-  DOMNode* pRoot = form.LooksUp() ? DomTop(m_Context) : nullptr;
-  if (pRoot != nullptr && !DomIsRoot(*pRoot)) return std::nullopt;
+  DOMNode* pRoot = form.LooksUp() ? TopOf(m_Context) : nullptr;
+  if (pRoot != nullptr && !IsRoot(*pRoot)) return std::nullopt;
   std::vector<std::u16string_view> namespaces;
   if (!Resolve(form.Prefixes(), m_Scope, namespaces)) return std::nullopt;
   return plain::CPlainEvaluation(form, namespaces, m_Context, pRoot).Select(most);

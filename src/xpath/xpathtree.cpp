@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "xpath/domlinks.h"
+#include "xpath/treetop.h"
 #include "xpath/xpathnodes.h"
 
 using xalanc::XalanNode;
@@ -11,11 +11,11 @@ using xercesc::DOMNode;
 namespace {
 
 bool StandsAtRoot(const DOMNode& top, const DOMNode& context) {
-  return DomIsRoot(top) || (top.getNodeType() == DOMNode::ATTRIBUTE_NODE && &top != &context);
+  return IsRoot(top) || (top.getNodeType() == DOMNode::ATTRIBUTE_NODE && &top != &context);
 }
 
 bool IsAttributeAfter(const DOMNode& attribute, const DOMNode& other) {
-  const xercesc::DOMNamedNodeMap* pMap = DomParent(attribute)->getAttributes();
+  const xercesc::DOMNamedNodeMap* pMap = dom::ParentOrElement(attribute)->getAttributes();
   XMLSize_t at = 0;
   while (pMap->item(at) != &attribute && pMap->item(at) != &other) ++at;
   return pMap->item(at) == &other;
@@ -48,7 +48,7 @@ bool CWrapped::HasNodesBeside() const { return HasNodesBelow() && m_pNode != m_T
 XalanNode* CWrapped::Parent() {
   if (!m_KnowsParent) {
     m_KnowsParent = true;
-    m_pParent = m_Tree.Wrap(DomParent(*m_pNode));
+    m_pParent = m_Tree.Wrap(dom::ParentOrElement(*m_pNode));
   }
   return m_pParent;
 }
@@ -86,7 +86,7 @@ const xalanc::XalanDOMString& CWrapped::Value() {
 
 // -- CXPathTree ------------------------------------------------------------------
 
-CXPathTree::CXPathTree(DOMNode& context) : m_pTop(DomTop(context)) {
+CXPathTree::CXPathTree(DOMNode& context) : m_pTop(TopOf(context)) {
   MakeRoot(StandsAtRoot(*m_pTop, context));
   m_pContext = Wrap(&context);
 }
@@ -156,7 +156,7 @@ XalanNode* CXPathTree::FindById(const XMLCh* pId) {
                                               : m_pTop->getOwnerDocument();
   if (pDocument == nullptr) return nullptr;
   DOMNode* pElement = pDocument->getElementById(pId);
-  return pElement != nullptr && DomTop(*pElement) == m_pTop ? Wrap(pElement) : nullptr;
+  return pElement != nullptr && TopOf(*pElement) == m_pTop ? Wrap(pElement) : nullptr;
 }
 
 const xalanc::XalanDOMString& CXPathTree::Name(const XMLCh* pName) {
@@ -210,7 +210,8 @@ bool CXPathTree::Pass(long nodes) {
 
 long CXPathTree::Depth(const DOMNode& node) {
   long depth = 0;
-  for (const DOMNode* pUp = DomParent(node); pUp != nullptr && Pass(1); pUp = DomParent(*pUp)) {
+  for (const DOMNode* pUp = dom::ParentOrElement(node); pUp != nullptr && Pass(1);
+       pUp = dom::ParentOrElement(*pUp)) {
     ++depth;
   }
   return depth;
@@ -223,12 +224,14 @@ bool CXPathTree::IsAfterByWay(const DOMNode& node, const DOMNode& other) {
   const DOMNode* pOther = &other;
   const long nodeDepth = Depth(node);
   const long otherDepth = Depth(other);
-  for (long depth = nodeDepth; depth > otherDepth && Pass(1); --depth) pNode = DomParent(*pNode);
-  for (long depth = otherDepth; depth > nodeDepth && Pass(1); --depth) pOther = DomParent(*pOther);
+  for (long depth = nodeDepth; depth > otherDepth && Pass(1); --depth)
+    pNode = dom::ParentOrElement(*pNode);
+  for (long depth = otherDepth; depth > nodeDepth && Pass(1); --depth)
+    pOther = dom::ParentOrElement(*pOther);
   if (pNode == pOther) return nodeDepth > otherDepth;
-  while (Pass(1) && DomParent(*pNode) != DomParent(*pOther)) {
-    pNode = DomParent(*pNode);
-    pOther = DomParent(*pOther);
+  while (Pass(1) && dom::ParentOrElement(*pNode) != dom::ParentOrElement(*pOther)) {
+    pNode = dom::ParentOrElement(*pNode);
+    pOther = dom::ParentOrElement(*pOther);
   }
   return Pass(0) && IsAfterBeside(*pNode, *pOther);
 }
