@@ -1,12 +1,12 @@
-#include <unistd.h>
-
 #include <memory>
 #include <vector>
 
+#include "checker.h"
 #include "client.h"
 #include "document.h"
 #include "message.h"
 #include "output.h"
+#include "progress.h"
 
 namespace {
 
@@ -33,44 +33,23 @@ CReadOptions ReadOptions(const CCheckOptions& options, const CClient& client) {
   return read;
 }
 
-// How far a long run is, on a terminal only, and out of the way of messages.
-class CProgress {
- public:
-  explicit CProgress(size_t count)
-      : m_Count(count), m_Shown(count >= kMany && isatty(STDERR_FILENO) == 1) {}
-  CProgress(const CProgress&) = delete;
-  CProgress& operator=(const CProgress&) = delete;
-  ~CProgress() { Clear(); }
-
-  void Step() {
-    ++m_Done;
-    if (!m_Shown) return;
-    PrintError("\rchecking " + std::to_string(m_Done) + " of " + std::to_string(m_Count));
-  }
-  void Clear() {
-    if (m_Shown) PrintError("\r\x1b[K");
-  }
-
- private:
-  static constexpr size_t kMany = 10;
-
-  size_t m_Count;
-  bool m_Shown;
-  size_t m_Done = 0;
-};
-
 int RunCheck(const CCheckOptions& options, const CClient& client) {
-  const std::vector<CInput> inputs = PrepareInputs(options.m_Files, client);
+  const std::vector<CInput> inputs =
+      PrepareInputs(options.m_Files, client, EStandardInput::kStream);
   const CReadOptions read = ReadOptions(options, client);
-  CProgress progress(inputs.size());
   int result = kDone;
-  for (const CInput& input : inputs) {
-    progress.Step();
-    const std::string lines = Load(NewDocument(), input, read);
-    if (lines.empty()) continue;
-    progress.Clear();
-    PrintError(lines);
+  const auto report = [&](const CFault& fault, CSourceLines& source) {
+    PrintError(FaultText(fault, source));
     result = kFailed;
+  };
+  for (const CInput& input : inputs) {
+    NextFile();
+    if (input.Problem().empty()) {
+      Check(input, read, report);
+    } else {
+      PrintError(Line(input.Name(), input.Problem()));
+      result = kFailed;
+    }
   }
   return result;
 }
@@ -96,8 +75,8 @@ void AddCheck(CLI::App& app, CClient& client) {
       ->excludes(pSchema)
       ->excludes(pFull);
   pCheck->footer(
-      "Faults are printed as FILE:LINE:COLUMN: message on standard error; a fault in a DTD\n"
-      "or a schema has the line and column of that file. Exit status 0: no fault; 1: faults.\n\n"
+      "Faults are printed as FILE:LINE:COLUMN: message on standard error, with the line and a\n"
+      "caret below. Exit status 0: no fault; 1: faults.\n\n"
       "Examples:\n"
       "  tessel check *.xml\n"
       "  tessel check --dtd catalogue.xml\n"

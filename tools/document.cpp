@@ -23,6 +23,17 @@ TSXStatus LoadInput(const CDocument& document, const CInput& input, CText& parse
   return TSXLoadFile(document.Get(), path.Get(), parseErrors.Get(), exceptionText.Get());
 }
 
+// The library's lines do not say which file they are of: where the document names other
+// files, no line is shown rather than a wrong one.
+CSourceLines SourceOf(const CInput& input) {
+  const std::string head = input.Head();
+  if (head.find("SYSTEM") != head.npos || head.find("PUBLIC") != head.npos) {
+    return CSourceLines::OfText({});
+  }
+  return input.Path().empty() ? CSourceLines::OfText(input.Text())
+                              : CSourceLines::OfFile(input.Path());
+}
+
 // The writer leaves out the mark that a file in UTF-16 must begin with.
 std::string ByteOrderMark(const std::string& encoding, std::string_view xml) {
   if (encoding != "UTF-16" && encoding != "utf-16") return {};
@@ -47,7 +58,11 @@ std::string Load(const CDocument& document, const CInput& input, const CReadOpti
   CText exceptionText;
   const TSXStatus status = LoadInput(document, input, parseErrors, exceptionText);
   if (status == 0) return {};
-  std::string lines = ParserLines(input.Name(), parseErrors.View());
+  CSourceLines source = SourceOf(input);
+  std::string lines;
+  for (const CFault& fault : ParserFaults(input.Name(), parseErrors.View())) {
+    lines += FaultText(fault, source);
+  }
   if (!exceptionText.IsNull()) lines += StatusLine(input.Name(), status, exceptionText.View());
   return lines.empty() ? StatusLine(input.Name(), status, "could not be read") : lines;
 }

@@ -8,6 +8,7 @@
 #include "edit.h"
 #include "message.h"
 #include "output.h"
+#include "progress.h"
 
 namespace {
 
@@ -46,8 +47,10 @@ void RequireUsable(const CEditOptions& options) {
 // A file in which one edit fails is left as it was; the others are changed.
 int RunEdits(const CEditOptions& options, const CClient& client) {
   RequireUsable(options);
+  const std::vector<CInput> inputs = PrepareInputs(options.m_Files, client);
   int result = kDone;
-  for (const CInput& input : PrepareInputs(options.m_Files, client)) {
+  for (const CInput& input : inputs) {
+    NextFile();
     try {
       EditFile(input, options, client);
     } catch (const CFailure& failure) {

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -12,6 +13,7 @@
 #include <utility>
 
 #include "message.h"
+#include "progress.h"
 #include "sandbox.h"
 
 CDescriptor::CDescriptor(CDescriptor&& other) noexcept
@@ -64,9 +66,9 @@ bool NeedsFile(const std::string& text) {
 
 }  // namespace
 
-CInput::CInput(std::string file) : m_Name(std::move(file)) {
+CInput::CInput(std::string file, EStandardInput standardInput) : m_Name(std::move(file)) {
   if (m_Name == "-") {
-    ReadStandardInput();
+    if (standardInput == EStandardInput::kRead) ReadStandardInput();
   } else {
     m_Path = FilePath(m_Name);
     Probe();
@@ -81,6 +83,25 @@ void CInput::Probe() {
   } else if (S_ISDIR(status.st_mode)) {
     m_Problem = std::strerror(EISDIR);
   }
+  if (S_ISREG(status.st_mode)) {
+    m_Identity = {static_cast<uint64_t>(status.st_size), status.st_dev, status.st_ino};
+  }
+}
+
+bool CFileIdentity::IsOpenAs(int descriptor) const {
+  struct stat status {};
+  return m_Size > 0 && fstat(descriptor, &status) == 0 && status.st_dev == m_Device &&
+         status.st_ino == m_Node;
+}
+
+std::string CInput::Head() const {
+  constexpr size_t kHead = 65536;
+  if (m_Path.empty()) return m_Text.substr(0, kHead);
+  std::string head(kHead, '\0');
+  const CDescriptor file(m_Identity.m_Size > 0 ? open(m_Path.c_str(), O_RDONLY | O_CLOEXEC) : -1);
+  const ssize_t got = file.IsOpen() ? read(file.Get(), head.data(), head.size()) : 0;
+  head.resize(static_cast<size_t>(std::max<ssize_t>(got, 0)));
+  return head;
 }
 
 void CInput::ReadStandardInput() {
@@ -98,17 +119,21 @@ void CInput::ReadStandardInput() {
   m_Text.clear();
 }
 
-std::vector<CInput> PrepareInputs(const std::vector<std::string>& files, const CClient& client) {
+std::vector<CInput> PrepareInputs(const std::vector<std::string>& files, const CClient& client,
+                                  EStandardInput standardInput) {
   std::vector<CInput> inputs;
   std::vector<std::string> paths;
   for (const std::string& file : files) {
-    inputs.emplace_back(file);
+    inputs.emplace_back(file, standardInput);
     if (inputs.back().Problem().empty()) paths.push_back(inputs.back().Path());
   }
   if (client.m_NoExternal) AllowReadingOnly(paths);
+  StartProgress(inputs);
   return inputs;
 }
 
 CInput PrepareInput(const std::string& file, const CClient& client) {
-  return std::move(PrepareInputs({file}, client).front());
+  std::vector<CInput> inputs = PrepareInputs({file}, client);
+  NextFile();
+  return std::move(inputs.front());
 }

@@ -2,7 +2,9 @@
 #ifndef TESSEL_TOOLS_INPUT_H
 #define TESSEL_TOOLS_INPUT_H
 
+#include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "client.h"
@@ -18,6 +20,8 @@ class CDescriptor {
 
   int Get() const { return m_Descriptor; }
   bool IsOpen() const { return m_Descriptor >= 0; }
+  // Gives the descriptor to another owner.
+  int Release() { return std::exchange(m_Descriptor, -1); }
   // False, with errno, where the system could not finish what was written.
   bool Close();
 
@@ -25,11 +29,23 @@ class CDescriptor {
   int m_Descriptor = -1;
 };
 
+// What tells a regular file from others; of size 0 for anything else.
+struct CFileIdentity {
+  uint64_t m_Size = 0;  // bytes
+  uint64_t m_Device = 0;
+  uint64_t m_Node = 0;
+
+  bool IsOpenAs(int descriptor) const;
+};
+
+// What becomes of standard input: it is read at once, or left to a parser that streams.
+enum class EStandardInput { kRead, kStream };
+
 // One file, ready to be loaded. A file that cannot be read is no failure here:
 // a command with many files goes on to the next.
 class CInput {
  public:
-  explicit CInput(std::string file);
+  CInput(std::string file, EStandardInput standardInput);
 
   const std::string& Name() const { return m_Name; }
   // Why it cannot be read; empty when it can.
@@ -37,6 +53,9 @@ class CInput {
   // The path to load from; empty for text from standard input.
   const std::string& Path() const { return m_Path; }
   const std::string& Text() const { return m_Text; }
+  const CFileIdentity& Identity() const { return m_Identity; }
+  // As much as a document type usually takes. Nothing of a pipe.
+  std::string Head() const;
 
  private:
   void Probe();
@@ -46,12 +65,14 @@ class CInput {
   std::string m_Problem;
   std::string m_Path;
   std::string m_Text;
+  CFileIdentity m_Identity;
   CDescriptor m_Spool;
 };
 
-// The inputs of a command, after which --no-external holds: from then on no
-// other file can be read.
-std::vector<CInput> PrepareInputs(const std::vector<std::string>& files, const CClient& client);
+// The inputs of a command, after which --no-external holds: from then on no other file
+// can be read. Progress starts; with PrepareInput it is at the file, too.
+std::vector<CInput> PrepareInputs(const std::vector<std::string>& files, const CClient& client,
+                                  EStandardInput standardInput = EStandardInput::kRead);
 CInput PrepareInput(const std::string& file, const CClient& client);
 
 // True when everything was written; false with errno.

@@ -18,8 +18,8 @@ std::string StartTag(TSXRefId parent) {
 
 void RequireWellFormed(TSXStatus status, const CText& lines, const std::string& file) {
   if (status != domErrParse) return Require(status, file);
-  std::string text = FirstMessage(lines.View());
-  if (text.empty()) text = "it could not be read";
+  const std::vector<CFault> faults = ParserFaults(file, lines.View());
+  const std::string text = faults.empty() ? "it could not be read" : faults.front().m_Message;
   throw CFailure(Line(file, "what should be inserted is not well-formed: " + text));
 }
 

@@ -9,6 +9,7 @@
 #include "message.h"
 #include "output.h"
 #include "owners.h"
+#include "progress.h"
 #include "sandbox.h"
 
 namespace {
@@ -42,8 +43,14 @@ int ReportUsage(const CLI::App& app, const CLI::ParseError& error) {
   return std::cout.flush() ? kDone : kFailed;
 }
 
+// Whichever way the work ends.
+struct CProgressEnd {
+  ~CProgressEnd() { EndProgress(); }
+};
+
 int Run(int argc, char** argv) {
   CClient client;
+  const CProgressEnd end;
   CLI::App app("Read, print, check, query and change XML documents.", "tessel");
   try {
     AddAll(app, client);

@@ -27,14 +27,6 @@ const CStatusRow* FindRow(TSXStatus status) {
 
 bool IsControl(char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; }
 
-// One line that cannot steer a terminal.
-std::string OneLine(std::string_view text) {
-  while (!text.empty() && IsControl(text.back())) text.remove_suffix(1);
-  std::string line(text);
-  std::ranges::replace_if(line, IsControl, ' ');
-  return line;
-}
-
 // The head of a collected line: "Line N, Column M,  Message: ".
 struct CHead {
   size_t m_Start;
@@ -72,16 +64,16 @@ std::optional<CHead> FindHead(std::string_view text, size_t from) {
   return std::nullopt;
 }
 
-std::string ParserLine(std::string_view file, const CHead& head, std::string_view message) {
-  // Line 0 is a file that could not be opened at all.
-  if (head.m_Line <= 0) return Line(file, message);
-  return OneLine(file) + ':' + std::to_string(head.m_Line) + ':' + std::to_string(head.m_Column) +
-         ": " + OneLine(message) + '\n';
-}
-
 }  // namespace
 
 std::span<const CStatusRow> StatusRows() { return kRows; }
+
+std::string OneLine(std::string_view text) {
+  while (!text.empty() && IsControl(text.back())) text.remove_suffix(1);
+  std::string line(text);
+  std::ranges::replace_if(line, IsControl, ' ');
+  return line;
+}
 
 std::string Line(std::string_view subject, std::string_view text) {
   return "tessel: " + OneLine(subject) + ": " + OneLine(text) + '\n';
@@ -99,22 +91,17 @@ void Require(TSXStatus status, std::string_view subject) {
   throw CFailure(StatusLine(subject, status, pRow != nullptr ? pRow->m_pMeaning : "unknown code"));
 }
 
-std::string ParserLines(std::string_view file, std::string_view collected) {
-  std::string lines;
+std::vector<CFault> ParserFaults(const std::string& file, std::string_view collected) {
+  std::vector<CFault> faults;
   std::optional<CHead> head = FindHead(collected, 0);
   while (head) {
     const std::optional<CHead> next = FindHead(collected, head->m_End);
     const size_t end = next ? next->m_Start : collected.size();
-    lines += ParserLine(file, *head, collected.substr(head->m_End, end - head->m_End));
+    // Line 0 is a file that could not be opened at all.
+    faults.push_back({file, static_cast<uint64_t>(std::max(head->m_Line, 0)),
+                      static_cast<uint64_t>(std::max(head->m_Column, 0)),
+                      OneLine(collected.substr(head->m_End, end - head->m_End))});
     head = next;
   }
-  return lines;
-}
-
-std::string FirstMessage(std::string_view collected) {
-  const std::optional<CHead> head = FindHead(collected, 0);
-  if (!head) return {};
-  const std::optional<CHead> next = FindHead(collected, head->m_End);
-  const size_t end = next ? next->m_Start : collected.size();
-  return OneLine(collected.substr(head->m_End, end - head->m_End));
+  return faults;
 }

@@ -8,6 +8,9 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "fault.h"
 
 // Ends the subcommand with exit status 1. The text is whole lines, ready to print.
 class CFailure : public std::runtime_error {
@@ -26,6 +29,9 @@ struct CStatusRow {
 // Success, the host's codes, then every code of the library.
 std::span<const CStatusRow> StatusRows();
 
+// One line that cannot steer a terminal: control characters become blanks.
+std::string OneLine(std::string_view text);
+
 // "tessel: SUBJECT: TEXT" as a line. Control characters become blanks.
 std::string Line(std::string_view subject, std::string_view text);
 
@@ -35,10 +41,7 @@ std::string StatusLine(std::string_view subject, TSXStatus status, std::string_v
 // Throws the line of a status that is not 0, with the code's meaning.
 void Require(TSXStatus status, std::string_view subject);
 
-// The lines that a load collected, each as "FILE:LINE:COLUMN: MESSAGE".
-std::string ParserLines(std::string_view file, std::string_view collected);
-
-// The first message that a load collected, alone; empty for none.
-std::string FirstMessage(std::string_view collected);
+// The faults that a load collected, in a file of this name.
+std::vector<CFault> ParserFaults(const std::string& file, std::string_view collected);
 
 #endif

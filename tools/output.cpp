@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "message.h"
+#include "progress.h"
 #include "replace.h"
 
 namespace {
@@ -17,6 +18,7 @@ namespace {
 }  // namespace
 
 void Print(std::string_view text) {
+  EndProgress();
   if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) Fail("standard output");
 }
 
@@ -24,13 +26,16 @@ void FlushOutput() {
   if (std::fflush(stdout) != 0) Fail("standard output");
 }
 
-void PrintError(std::string_view lines) { std::fwrite(lines.data(), 1, lines.size(), stderr); }
+void PrintError(std::string_view lines) {
+  HideProgress();
+  std::fwrite(lines.data(), 1, lines.size(), stderr);
+}
 
-bool HasColour() {
+bool HasColour(int descriptor) {
   const char* pTerminal = std::getenv("TERM");
   const char* pNoColour = std::getenv("NO_COLOR");
-  return isatty(STDOUT_FILENO) == 1 && pTerminal != nullptr &&
-         std::strcmp(pTerminal, "dumb") != 0 && (pNoColour == nullptr || *pNoColour == '\0');
+  return isatty(descriptor) == 1 && pTerminal != nullptr && std::strcmp(pTerminal, "dumb") != 0 &&
+         (pNoColour == nullptr || *pNoColour == '\0');
 }
 
 void WriteResult(const std::string& target, std::string_view bytes) {

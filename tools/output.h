@@ -11,8 +11,8 @@ void FlushOutput();
 
 void PrintError(std::string_view lines);
 
-// True where standard output is a terminal that shows colours.
-bool HasColour();
+// True where this output is a terminal that shows colours.
+bool HasColour(int descriptor);
 
 // To a file, as ReplaceFile does, or to standard output for "-" and an empty name.
 void WriteResult(const std::string& target, std::string_view bytes);

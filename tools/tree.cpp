@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <algorithm>
 #include <memory>
 #include <vector>
@@ -164,7 +166,7 @@ class CTreePrinter {
 
 int RunTree(const CTreeOptions& options, const CClient& client) {
   const CDocument document = ReadDocument(options.m_File, client);
-  CTreePrinter(options.m_Attributes, HasColour()).PrintDocument(document);
+  CTreePrinter(options.m_Attributes, HasColour(STDOUT_FILENO)).PrintDocument(document);
   return kDone;
 }
 

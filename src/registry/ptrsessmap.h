@@ -118,7 +118,7 @@ class TESSEL_DATA CPtrSessMap {
   // The same for all collections of a document that is about to go.
   void WithdrawHeldIn(const xercesc::DOMDocument& document) noexcept {
     CHostLock lock(m_Mutex);
-    m_Holdings.TakeOf(&document, [this](auto... holding) { WithdrawHolding(holding...); });
+    m_Holdings.TakeOf(&document, Withdrawal());
     if (const xercesc::DOMNode* pType = document.getDoctype()) WithdrawHeldBy(*pType);
   }
 
@@ -191,18 +191,23 @@ class TESSEL_DATA CPtrSessMap {
  private:
   // A document type knew no document while it was free.
   void WithdrawHeldBy(const xercesc::DOMNode& holder) TESSEL_REQUIRES(m_Mutex) {
-    const auto withdraw = [this](auto... holding) { WithdrawHolding(holding...); };
-    m_Holdings.TakeOf(dom::TreeOf(holder), &holder, withdraw);
-    m_Holdings.TakeOf(nullptr, &holder, withdraw);
+    m_Holdings.TakeOf(dom::TreeOf(holder), &holder, Withdrawal());
+    m_Holdings.TakeOf(nullptr, &holder, Withdrawal());
   }
 
-  // A registration that failed leaves a holding without a slot of its own.
-  void WithdrawHolding(const xercesc::DOMNode* pHolder, unsigned long id) TESSEL_REQUIRES(m_Mutex) {
-    const CSlot* pSlot = m_Slots.Find(id);
-    if (pSlot == nullptr || pSlot->m_pHolder != pHolder) return;
-    m_PtrToSess.Erase(pSlot->m_pObject);
-    m_Slots.Erase(id);
-  }
+  // Takes back the id of a holding. A registration that failed leaves a holding without a
+  // slot of its own.
+  struct CWithdrawal {
+    void operator()(const xercesc::DOMNode* pHolder, unsigned long id) const {
+      const CSlot* pSlot = m_Slots.Find(id);
+      if (pSlot == nullptr || pSlot->m_pHolder != pHolder) return;
+      m_Index.Erase(pSlot->m_pObject);
+      m_Slots.Erase(id);
+    }
+    CPointerIndex& m_Index;
+    CIdTable<CSlot>& m_Slots;
+  };
+  CWithdrawal Withdrawal() TESSEL_REQUIRES(m_Mutex) { return {m_PtrToSess, m_Slots}; }
 
   CHoldings m_Holdings TESSEL_GUARDED_BY(m_Mutex);
   unsigned long m_LastSess TESSEL_GUARDED_BY(m_Mutex) = 0;

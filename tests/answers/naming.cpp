@@ -84,6 +84,7 @@ std::string CScene::Describe(const COut& out, const CResult& result, Registry re
       if (out.m_Array.IsNull()) return reset;
       const std::vector<TSXRefId> ids = out.m_Array.Get();
       if (ids.size() == 1 && ids[0] == COut::kJunkId) return "left";
+      EXPECT_EQ(out.m_Array.BlockSize(), 8 + 8 * ids.size());
       return Listed(ids.size(), [&](size_t i) { return NameOf(CRef{Registry::kNode, ids[i]}); });
     }
     default:

@@ -42,6 +42,10 @@ quietly cc -std=c99 -Wall -Werror readme.c -o readme \
   $(pkg-config --cflags --libs tessel tessel-host)
 [ "$(./readme)" = '<floor><tile/></floor>' ] || fail "the README's program"
 
+# The code of the pages.
+[ ! -e "$prefix/bin/tessel" ] || python3 "$source/tests/packaging/pages.py" "$source/docs" \
+  "$prefix/bin/tessel" || fail "the pages"
+
 python3 python/restock.py data/stock.xml "$work/python.xml" | grep > /dev/null '^not valid' ||
   fail "python: a list without its schema is not valid"
 cp data/stock.xsd "$work"

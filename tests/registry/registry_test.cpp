@@ -1,4 +1,4 @@
-// What the registries do beside keeping ids: arrays of them, and documents by node.
+// What the registries do beside keeping ids: documents by node.
 #include "document/xercesdom.h"
 #include "support/support.h"
 
@@ -11,18 +11,6 @@ class NodeRegistry : public support::CLedgerTest {
  protected:
   static DOMNode* Node(TSXRefId id) { return g_NodeSessMap.GetPtrBySess(id); }
 };
-
-TEST_F(NodeRegistry, ArraysFitTheirList) {
-  CDoc doc("<r><a/><b/><c/></r>");
-  const TSXRefId root = doc.Root();
-  support::CIds ids;
-  TSUNodeListToArray(&ids, Node(root)->getChildNodes());
-  EXPECT_EQ(ids.Get().size(), 3u);
-  TSUNodeListToArray(&ids, nullptr);
-  EXPECT_EQ(HostGetHandleSize(*(&ids)), 32u) << "a null list leaves the array alone";
-  TSUNodeListToArray(&ids, Node(ids.Get()[1])->getChildNodes());
-  EXPECT_EQ(HostGetHandleSize(*(&ids)), 8u);
-}
 
 TEST_F(NodeRegistry, NodeDomMapKeepsTheFirstEntry) {
   CDoc one("<a/>"), two("<b/>");

@@ -50,6 +50,7 @@ class CIds {
 
   GenericRefObjSessionArray* operator&() { return &m_Handle; }
   bool IsNull() const { return m_Handle == nullptr; }
+  size_t BlockSize() const { return HostGetHandleSize(m_Handle); }
   std::vector<TSXRefId> Get() const {
     std::vector<TSXRefId> ids;
     if (m_Handle == nullptr || (*m_Handle)->count == 0) return ids;
@@ -118,7 +119,6 @@ class CDoc {
 
 inline TSXRefId FirstChild(TSXRefId node) { return IdOf(TSXGetFirstChild, node, uint64_t{0}); }
 inline TSXRefId NextSibling(TSXRefId node) { return IdOf(TSXGetNextSibling, node, uint64_t{0}); }
-inline TSXRefId Parent(TSXRefId node) { return IdOf(TSXGetParentNode, node, uint64_t{0}); }
 inline std::string Name(TSXRefId node) { return TextOf(TSXGetNodeName, node, uint64_t{0}); }
 
 // Whether an id names a node.
@@ -142,11 +142,6 @@ inline TSXStatus SetAttribute(TSXRefId element, std::string_view name, std::stri
   return TSXSetAttribute(element, &nameText, &valueText);
 }
 
-inline TSXRefId Attribute(TSXRefId element, std::string_view name) {
-  CText text(name);
-  return IdOf(TSXGetAttributeNode, element, &text);
-}
-
 // An entity or a notation, by the getter of the map that holds it.
 inline TSXRefId OfType(TSXRefId document, decltype(&TSXGetEntities) getMap, std::string_view name) {
   CText text(name);
@@ -160,7 +155,7 @@ inline TSXRefId OfType(TSXRefId document, decltype(&TSXGetEntities) getMap, std:
 
 // As options take them.
 inline constexpr uint8_t kOn = 1, kOff = 0;
-inline constexpr int32_t kNever = 0, kAlways = 1;
+inline constexpr int32_t kAlways = 1;
 inline constexpr uint8_t kDeep = 1;
 
 // The ids that name an object, over all registries, and the map's entries.

@@ -93,6 +93,13 @@ FILES = {
     "number.xml": by_schema("number.xsd", "5"),
     "word.xml": by_schema("number.xsd", "five"),
     "ambiguous.xml": by_schema("ambiguous.xsd", "<a/>"),
+    "elsewhere.xml": '<!DOCTYPE a SYSTEM "elsewhere.dtd"><a/>',
+    "elsewhere.dtd": "<!ELEMENT a EMPTY>\n<!ELEMENT a ANY>",
+    "faults.xml": b"<a>\n\t<b>z\xc3\xbcrich \xf0\x9f\x98\x80\x7f</b>&x;<c/>\n" + b"-" * 64 + b"&y;"
+                  + b"+" * 99 + b"\n" + b"&z;" * 20 + b"\n</a>",
+    "latin.xml": b'<?xml version="1.0" encoding="ISO-8859-1"?>\n<a>\xe9&x;</a>',
+    "laughs.xml": '<!DOCTYPE a [<!ENTITY a "">' + "".join(
+        f'<!ENTITY {b} "{10 * f"&{a};"}">' for a, b in zip("abcdef", "bcdefg")) + "]><a>&g;</a>",
     "external.xml": '<!DOCTYPE a [<!ENTITY f SYSTEM "text.ent">]>\n<a>&f;</a>',
     "text.ent": "from the file",
     "nested.xml": "<r><a>1<a>2</a></a><b/></r>",
@@ -103,7 +110,23 @@ FILES = {
     "edit.xml": '<r xmlns="urn:d" xmlns:p="urn:p" k="1"><p:a p:i="2">x</p:a><!--c--><?t d?></r>',
 }
 
+NO_COLOR = {"NO_COLOR": "1"}
+
 Case = collections.namedtuple("Case", "args status out err stdin", defaults=("", "", None))
+
+# The first fault of broken.xml, and what the parser finds when it goes on.
+BROKEN = """\
+{0}:2:7: expected end of tag 'b'
+   <b></a>
+        ^
+"""
+BROKEN_ON = BROKEN + """\
+{0}:2:9: input ended before all started tags were ended; last tag started is 'a'
+   <b></a>
+          ^
+"""
+
+SHOWN = r"  .*\n *\^\n"
 
 NOT_FOUND = "No such file or directory"
 RUN_HELP = "Run with --help for more information.\n"
@@ -151,7 +174,8 @@ CASES = [
     # A relative reference from standard input is one from the working directory.
     Case("query --text - a", 0, "from the file\n", stdin="external.xml"),
     # What cannot be read.
-    Case("tree broken.xml", 1, err="broken.xml:2:7: expected end of tag 'b'\n"),
+    Case("tree broken.xml", 1, err=BROKEN.format("broken.xml")),
+    Case("tree -", 1, err=BROKEN.format("-"), stdin="broken.xml"),
     Case("tree gone.xml", 1, err=f"tessel: gone.xml: {NOT_FOUND}\n"),
     Case("tree .", 1, err="tessel: .: Is a directory\n"),
     # Writing back.
@@ -189,17 +213,43 @@ CASES = [
     # Checking.
     Case("check cat.xml utf16.xml valid.xml invalid.xml word.xml", 0),
     Case("check valid.xml broken.xml gone.xml -", 1, stdin="broken.xml",
-         err="broken.xml:2:7: expected end of tag 'b'\n"
-             f"tessel: gone.xml: {NOT_FOUND}\n-:2:7: expected end of tag 'b'\n"),
-    Case("check --dtd invalid.xml valid.xml", 1,
-         err="invalid.xml:3:3: no declaration found for element 'c'\n"
-             "invalid.xml:3:9: element 'c' is not allowed for content model '(b)'\n"),
+         err=f"{BROKEN_ON.format('broken.xml')}tessel: gone.xml: {NOT_FOUND}\n"
+             f"{BROKEN_ON.format('-')}"),
+    Case("check --dtd invalid.xml valid.xml elsewhere.xml", 1, err="""\
+invalid.xml:3:3: no declaration found for element 'c'
+  <c/></a>
+    ^
+invalid.xml:3:9: element 'c' is not allowed for content model '(b)'
+  <c/></a>
+          ^
+elsewhere.dtd:2:12: element 'a' has already been declared
+  <!ELEMENT a ANY>
+             ^
+"""),
+    # Wide characters, controls, long lines, and no more than ten.
+    Case("check faults.xml", 1, err="""\
+faults.xml:2:22: entity 'x' not found
+  \t<b>zürich 😀?</b>&x;<c/>
+  \t                    ^
+faults.xml:3:68: entity 'y' not found
+  ...""" + "-" * 57 + "&y;" + "+" * 20 + """...
+     """ + " " * 60 + """^
+""" + "".join(f"""\
+faults.xml:4:{4 + 3 * i}: entity 'z' not found
+  """ + "&z;" * (i + 1) + ("&z;" * 7)[:20] + """...
+  """ + " " * (3 + 3 * i) + """^
+""" for i in range(8))),
+    Case("check laughs.xml", 1, err=re.compile(
+        r"laughs\.xml:1:\d+: .*'50000' entity expansions.*\n" + SHOWN)),
+    Case("check latin.xml", 1, err="latin.xml:2:8: entity 'x' not found\n"
+         "  <a>?&x;</a>\n         ^\n"),
     Case("check --schema number.xml ambiguous.xml", 0),
-    Case("check --schema word.xml", 1, err=re.compile(r"word\.xml:1:\d+: .*'five'.*\n")),
+    Case("check --schema word.xml", 1, err=re.compile(r"word\.xml:1:\d+: .*'five'.*\n" + SHOWN)),
     Case("check --full number.xml ambiguous.xml", 1,
-         err=re.compile(r"ambiguous\.xml:\d+:\d+: .* the unique particle attribution rule .*\n"
-        r"ambiguous\.xml:\d+:\d+: .*\n")),
-    Case("check nodtd.xml", 1, err=re.compile(r"nodtd\.xml:1:\d+: .*gone\.dtd'\n")),
+         err=re.compile(r"ambiguous\.xml:\d+:\d+: .* the unique particle attribution rule .*\n" + SHOWN
+        + r"ambiguous\.xml:\d+:\d+: .*\n" + SHOWN)),
+    Case("check nodtd.xml", 1, err=re.compile(
+        r"nodtd\.xml:1:\d+: .*gone\.dtd'\n" + SHOWN)),
     Case("check --no-external-dtd nodtd.xml", 0),
     # Queries.
     Case("query cat.xml //@*[.>20]|//note/text()|//comment()", 0, '<!-- two -->\nsize="35"\n'),
@@ -379,17 +429,44 @@ class ClientTest(unittest.TestCase):
 
     def test_colour_on_a_terminal_only(self):
         self.assertIn("\x1b[1mcolour\x1b[0m", self.run_on_terminal("tree cat.xml", "stdout")[1])
-        for env in ({"NO_COLOR": "1"}, {"TERM": "dumb"}):
+        for env in (NO_COLOR, {"TERM": "dumb"}):
             self.assertNotIn("\x1b", self.run_on_terminal("tree cat.xml", "stdout", env)[1])
 
-    def test_progress_on_a_terminal_for_many_files(self):
-        few, many = ["valid.xml"] * 3, ["valid.xml"] * 12 + ["gone.xml"]
-        self.assertEqual("", self.run_on_terminal(["check", *few], "stderr")[1])
-        result, text = self.run_on_terminal(["check", *many], "stderr")
-        self.assertEqual((1, b""), (result.returncode, result.stdout))
-        # The message has a line of its own, and the last thing is a clean line.
-        self.assertIn("checking 13 of 13\r\x1b[Ktessel: gone.xml: " + NOT_FOUND, text)
-        self.assertTrue(text.endswith("\r\x1b[K"))
+    def test_colour_of_faults(self):
+        text = self.run_on_terminal("tree broken.xml", "stderr")[1]
+        self.assertIn("\x1b[1mbroken.xml:2:7:\x1b[0m expected", text)
+        self.assertIn("\x1b[31m^\x1b[0m", text)
+        self.assertNotIn("\x1b", self.run_on_terminal("tree broken.xml", "stderr", NO_COLOR)[1])
+
+    def start_on_terminal(self, *args):
+        primary, secondary = pty.openpty()
+        process = subprocess.Popen([CLIENT, *args], cwd=self.folder, stderr=secondary,
+                                   stdout=subprocess.PIPE)
+        os.close(secondary)
+        return process, primary
+
+    def test_progress_on_a_terminal(self):
+        with open(self.path("wide.xml"), "w") as file:
+            file.write("<a>" + " " * 999993 + "</a>")
+        os.mkfifo(self.path("slow.xml"))
+        # Without a terminal nothing is said, and nothing when all is quick.
+        self.assertEqual(b"", self.run_client("check wide.xml").stderr)
+        process, terminal = self.start_on_terminal("check", "wide.xml", "slow.xml", "broken.xml")
+        with open(self.path("slow.xml"), "w") as slow:
+            slow.write("<a>")
+            slow.flush()
+            text = b""
+            while not text.endswith(b"slow.xml"):
+                text += os.read(terminal, 65536)
+            slow.write("</a>")
+        self.assertEqual((b"", 1), (process.stdout.read(), process.wait()))
+        process.stdout.close()
+        rest = os.read(terminal, 65536)
+        os.close(terminal)
+        self.assertEqual(b"\r\x1b[Ktessel: 2 of 3 files, 1.0 of 1.0 MB, 99%, slow.xml", text)
+        # The line is gone before the first message.
+        self.assertEqual(b"\r\x1b[K" + BROKEN_ON.format("broken.xml").replace("\n", "\r\n").encode(),
+                         re.sub(rb"\x1b\[\d*m", b"", rest))
 
     def test_closed_pipe_is_quiet(self):
         with open(self.path("wide.xml"), "w") as file:

@@ -1,5 +1,5 @@
-// XPath on plain DOM nodes, below the ids: what is selected, in which order, and
-// how it fails.
+// XPath on plain DOM nodes, below the ids: what the rows of answers cannot say of order,
+// failures and limits.
 #include "xpath/xpathmanager.h"
 
 #include <map>
@@ -26,28 +26,10 @@ CDocument NewDocument() {
   return CDocument(xercesc::DOMImplementation::getImplementation()->createDocument());
 }
 
-// A node as the tables write it.
+// An element's name, or the text of a text node.
 std::string Label(const DOMNode& node) {
-  const std::string name = Narrow(node.getNodeName());
-  const std::string value = Narrow(node.getNodeValue());
-  switch (node.getNodeType()) {
-    case DOMNode::ATTRIBUTE_NODE:
-      return "@" + name + "=" + value;
-    case DOMNode::TEXT_NODE:
-      return "'" + value + "'";
-    case DOMNode::CDATA_SECTION_NODE:
-      return "[" + value + "]";
-    case DOMNode::ENTITY_REFERENCE_NODE:
-      return "&" + name;
-    case DOMNode::PROCESSING_INSTRUCTION_NODE:
-      return "?" + name;
-    case DOMNode::COMMENT_NODE:
-      return "!" + value;
-    case DOMNode::DOCUMENT_TYPE_NODE:
-      return "type:" + name;
-    default:
-      return name;
-  }
+  const bool isText = node.getNodeType() == DOMNode::TEXT_NODE;
+  return isText ? "'" + Narrow(node.getNodeValue()) + "'" : Narrow(node.getNodeName());
 }
 
 struct CAnswer {
@@ -77,177 +59,7 @@ std::string Select(DOMNode* pContext, std::string_view expression) {
   return labels;
 }
 
-struct CRow {
-  const char* m_pContext;  // a label: the first such node of the tree
-  const char* m_pExpression;
-  const char* m_pSelected;
-};
-
-void ExpectRows(DOMNode* pTree, const std::vector<CRow>& rows) {
-  const std::vector<DOMNode*> nodes = Walk(pTree);
-  for (const CRow& row : rows) {
-    const auto context =
-        std::ranges::find(nodes, row.m_pContext, [](const DOMNode* p) { return Label(*p); });
-    ASSERT_NE(nodes.end(), context) << row.m_pContext;
-    EXPECT_EQ(row.m_pSelected, Select(*context, row.m_pExpression))
-        << row.m_pExpression << " at " << row.m_pContext;
-  }
-}
-
 constexpr std::size_t kSmallStack = 256;  // kilobytes
-
-constexpr const char* kAllKinds =
-    "<!DOCTYPE s [<!ENTITY e 'in<i/>'><!NOTATION n SYSTEM 'n'>"
-    "<!ATTLIST a id ID #IMPLIED k CDATA 'dflt'>]>"
-    "<?pre x?><!--head-->"
-    "<s><a id='A' p='1'>t<b><c q='2'/></b><![CDATA[cd]]>u</a>"
-    "<!--mid--><?mid y?>"
-    "<a id='B' xml:lang='en'>&e;<b>v</b></a><d/></s><!--tail-->";
-
-// Child, parent, attribute and descendant axes are those of the plain paths below.
-TEST(XPathNodes, EveryKindInDocumentOrder) {
-  const CDocument document = Parse(kAllKinds);
-  const std::vector<CRow> rows{
-      {"#document", "node()", "type:s ?pre !head s !tail"},
-      {"#document", "..", ""},
-      {"a", "descendant::node()", "'t' b c [cd] 'u'"},
-      {"@q=2", "ancestor::node()", "#document s a b c"},
-      {"c", "ancestor::*[1]", "b"},
-      {"i", "ancestor::node()", "#document s a &e"},
-      {"!mid", "following-sibling::node()", "?mid a d"},
-      {"?mid", "preceding-sibling::node()[1]", "!mid"},
-      {"[cd]", "preceding-sibling::node()", "'t' b"},
-      {"c", "following::node()", "[cd] 'u' !mid ?mid a &e 'in' i b 'v' d !tail"},
-      {"@q=2", "following::* | following-sibling::node() | node()", "a i b d"},
-      {"&e", "preceding::node()", "type:s ?pre !head a 't' b c [cd] 'u' !mid ?mid"},
-      {"d", "preceding::*[1]", "b"},
-      {"a", "namespace::*", ""},
-      {"type:s", "following-sibling::* | node()", "s"},
-      // Paths and functions that ask the tree.
-      {"'t'", "(/) | ..", "#document a"},
-      {"#document", "//processing-instruction('mid') | //comment()", "!head !mid ?mid !tail"},
-      {"#document", "//@*[. = '2']/..", "c"},
-      {"#document", "//a[2]/b | //a[1]/b | //b", "b b"},
-      {"c", "//d | @q | .. | . | /", "#document b c @q=2 d"},
-      {"#document", "//c[. != '//b']", "c"},
-      {"#document", "id('B A C')/@id", "@id=A @id=B"},
-      {"#document", "//*[lang('en')]", "a i b"},
-      {"#document", "//*[local-name() = 'd' or name() = 'i']", "i d"},
-      {"a", "node()[position() > 3][position() = 1 and position() < 2]", "'u'"},
-      // Entity references and CDATA sections are not seen through.
-      {"&e", "../text()", ""},
-      {"#document", "//a[. = 'v']/@id", "@id=B"},
-      {"#document", "//text()", "'t' 'u' 'in' 'v'"},
-      {"a", "self::*[. = 'tcdu']/@id", "@id=A"},
-  };
-  ExpectRows(document.get(), rows);
-}
-
-TEST(XPathNodes, OutsideTheDocumentHaveTreesOfTheirOwn) {
-  const CDocument document = Parse(kAllKinds);
-  const xercesc::DOMDocumentType* pType = document->getDoctype();
-  ExpectRows(pType->getEntities()->item(0),
-             {{"e", ". | .. | following::node() | preceding::node() | //i | node()", "e 'in' i"}});
-  ExpectRows(pType->getNotations()->item(0), {{"n", ". | //node() | ancestor::node()", "n"}});
-  DOMNode* pP = document->getElementById(u"A")->getAttributeNode(u"p");
-  ExpectRows(pP->getFirstChild(),
-             {{"'1'", ". | ancestor::node() | preceding::node() | /", "@p=1 '1'"}});
-}
-
-TEST(XPathNodes, DetachedStayInTheTreeOfTheContext) {
-  const CDocument document =
-      Parse("<real><top x='1'><one>T</one><two/></top><one/><left/><right/></real>");
-  DOMNode* pRoot = document->getDocumentElement();
-  const auto take = [&] { return pRoot->removeChild(pRoot->getFirstChild()); };
-  const std::vector<CRow> rows{
-      {"top", "descendant-or-self::node() | @*", "top @x=1 one 'T' two"},
-      {"two", "../@x | .. | ancestor::* | preceding-sibling::*", "top @x=1 one"},
-      {"top", ".. | following::node() | preceding::node()", ""},
-      {"two", "preceding::node()", "one 'T'"},
-      {"two", "/", ""},
-      {"two", "//one | /top | /real", "top one"},
-      {"top", "self::*[not(..)]", "top"},
-  };
-  ExpectRows(take(), rows);
-  take();
-  DOMNode* pFragment = document->createDocumentFragment();
-  pFragment->appendChild(take());
-  pFragment->appendChild(take());
-  ExpectRows(
-      pFragment,
-      {{"#document-fragment", ". | node() | //right", "#document-fragment left right"},
-       {"left", ".. | following-sibling::* | following::* | /", "#document-fragment right"}});
-  xercesc::DOMAttr* pLoose = document->createAttribute(u"loose");
-  pLoose->setValue(u"v");
-  ExpectRows(pLoose, {{"@loose=v", ".. | following::node() | preceding::node() | node() | /", ""},
-                      {"@loose=v", ". | //@loose[. = 'v']", "@loose=v"}});
-  ExpectRows(pLoose->getFirstChild(),
-             {{"'v'", ".. | . | following::node() | preceding::node()", "@loose=v 'v'"}});
-  ExpectRows(document->createTextNode(u"alone"), {{"'alone'", ". | .. | //node() | /", "'alone'"}});
-}
-
-TEST(XPathDocument, WithoutRootElement) {
-  const CDocument document = NewDocument();
-  ExpectRows(document.get(),
-             {{"#document", "(/) | //a | /a/b", "#document"}, {"#document", "/a[", "-2768"}});
-  document->appendChild(document->createComment(u"c"));
-  ExpectRows(document.get(), {{"!c", "//node() | p | /", "#document !c"},
-                              {"!c", "self::node()[not(/a)]", "!c"},
-                              {"!c", "p:a", "-2768"}});
-}
-
-TEST(XPathDocument, ItsStringIsAllOfItsText) {
-  const CDocument document = Parse("<!--c--><r>o<a>n</a>e<![CDATA[s]]></r><?i d?>");
-  ExpectRows(document.get(), {{"#document", "/r[string(/) = '']", ""},
-                              {"#document", "/r[string(/) = 'ones' and string() = (/)]", "r"},
-                              {"a", "/*[contains(string(/), 'ne') and //a[.. = (/)]]", "r"},
-                              {"#document", "self::node()[string-length() = 4]", "#document"}});
-  DOMNode* pFragment = document->createDocumentFragment();
-  for (const char16_t* pText : {u"f", u"g"}) {
-    pFragment->appendChild(document->createTextNode(pText));
-    pFragment->appendChild(document->getDocumentElement()->cloneNode(true));
-  }
-  ExpectRows(pFragment, {{"#document-fragment", "*[string(/) = 'fonesgones'][1]", "r"}});
-  DOMElement* pDetached = document->createElement(u"top");
-  pDetached->setTextContent(u"t");
-  ExpectRows(pDetached, {{"top", "self::*[string(/) = 't']", "top"}});
-  xercesc::DOMAttr* pLoose = document->createAttribute(u"loose");
-  pLoose->setValue(u"v");
-  ExpectRows(pLoose, {{"@loose=v", "self::node()[string(/) = '']", "@loose=v"}});
-  ExpectRows(pLoose->getFirstChild(), {{"'v'", ".[string(/) = 'v']", "-2768"},
-                                       {"'v'", "self::node()[string(/) = 'v']", "'v'"}});
-}
-
-TEST(XPathNamespaces, PrefixesAreThoseInScopeAtTheContext) {
-  const CDocument document = Parse(
-      "<r xmlns='urn:d' xmlns:q='urn:q' q:a='1'><x/><q:x/>"
-      "<n xmlns='' xmlns:q='urn:n'><x/><q:x/></n><p:y xmlns:p='urn:p'><p:z/></p:y></r>");
-  const std::vector<CRow> rows{
-      {"r", "//x/..", "n"},
-      {"#document", "//q:x/..", "r"},
-      {"@q:a=1", "//q:x/..", "r"},
-      {"n", "//q:x/..", "n"},
-      {"r", "q:* | @q:a | @a | //@xml:space", "@q:a=1 q:x"},
-      {"r", "//p:z", "-2768"},
-      {"r", "namespace::*", "@xmlns=urn:d @xmlns:q=urn:q"},
-      {"p:z", "namespace::*", "@xmlns=urn:d @xmlns:q=urn:q @xmlns:p=urn:p"},
-      {"n", "namespace::* | x/namespace::*/..", "n @xmlns:q=urn:n"},
-      {"r", "*[namespace-uri() = 'urn:d']", "x"},
-  };
-  ExpectRows(document.get(), rows);
-  EXPECT_EQ("m:made", Select(document->createElementNS(u"urn:made", u"m:made"), "self::m:made"));
-}
-
-TEST(XPathNamespaces, SwitchedOffNamesMatchAsWritten) {
-  const CDocument document = Parse("<a xmlns:p='urn:p'><b c='1'/><p:b/></a>", false);
-  ExpectRows(document.get(),
-             {{"a", "b/@c", "@c=1"}, {"a", "p:b", "-2768"}, {"a", "*[name() = 'p:b']", "p:b"}});
-}
-
-TEST(XPathNames, BeyondASCII) {
-  const CDocument document = Parse("<größe><寸法>\U00020000</寸法></größe>");
-  EXPECT_EQ(1u, Ask(document.get(), u"/größe/寸法[. = '\U00020000']").m_Nodes.size());
-}
 
 // -- Order -------------------------------------------------------------------------
 
@@ -284,42 +96,13 @@ TEST(XPathOrder, HoldsForFewAndForMany) {
 
 // -- Failures ------------------------------------------------------------------------
 
-TEST(XPathErrors, CodeAndMessageAndSilence) {
-  struct CFailure {
-    const char* m_pExpression;
-    TSXStatus m_Status;
-    const char* m_pInMessage;
-  };
-  constexpr CFailure kFailures[] = {
-      {"", domErrXPathParse, "The expression is empty"},
-      {"//a[", domErrXPathParse, "Expected ']'"},
-      {"a b", domErrXPathParse, "Extra illegal token"},
-      {"@", domErrXPathParse, "A node test was expected"},
-      {".[1]", domErrXPathParse, "self::node()[predicate]"},
-      {"/ | a", domErrXPathParse, "'|' was unexpected"},  // "(/) | a" is understood
-      {"nope()", domErrXPathParse, "'nope' was not found"},
-      {"p:a", domErrXPathParse, "The prefix 'p' is not declared"},
-      {"'open", domErrXPathParse, "expression = ''open'"},
-      {"count(//a)", domErrXPathConversion, "Cannot convert 'number'"},
-      {"true()", domErrXPathConversion, "Cannot convert 'boolean'"},
-      {"'text'", domErrXPathConversion, "Cannot convert 'string'"},
-      {"$unbound", domErrXPathConversion, "Cannot convert"},
-      {"count(1)", domErrXPathXSL, "does not evaluate to a node-set"},
-      {"key('a', 'b')", domErrXPathXSL, "'key' is not implemented"},
-      {"document('x')", domErrXPathXSL, "'document' is not implemented"},
-      {"format-number(1, '0')", domErrXPathXSL, "'format-number' is not implemented"},
-      {"concat('a')", domErrXPathXSL, "requires two or more arguments"},
-  };
+TEST(XPathErrors, AreSilent) {
   const CDocument document = Parse("<a/>");
   testing::internal::CaptureStderr();
-  for (const CFailure& row : kFailures) {
-    const CAnswer answer = Ask(document.get(), Wide(row.m_pExpression));
-    EXPECT_EQ(row.m_Status, answer.m_Status) << row.m_pExpression;
-    EXPECT_NE(std::string::npos, Narrow(answer.m_Message.c_str()).find(row.m_pInMessage))
-        << row.m_pExpression << ": " << Narrow(answer.m_Message.c_str());
+  for (const char* pExpression : {"//a[", "nope()", "count(//a)", "$unbound", "document('x')"}) {
+    EXPECT_NE(0, Ask(document.get(), Wide(pExpression)).m_Status) << pExpression;
   }
   EXPECT_EQ("", testing::internal::GetCapturedStderr());
-  EXPECT_EQ("", Select(document.get(), "/a[$unbound]"));  // false, and no error
   EXPECT_EQ("-2766", Select(nullptr, "a"));
 }
 
@@ -346,23 +129,6 @@ TEST(XPathErrors, NumbersCannotEndTheProcess) {
     EXPECT_EQ("-2767", Select(document.get(), "//a[" + std::string(pValue) + " = 'x']")) << pValue;
   }
   EXPECT_EQ("-2768", Select(document.get(), Repeated("9", 100)));
-  constexpr const char* kTrue[] = {"@least mod @minus = 0",
-                                   "@least mod -1 = 0",
-                                   "-@i mod (2 + 2) = -3",
-                                   "10 - @i mod (8 mod 5) = 9",
-                                   "@i mod -4 = 3",
-                                   "not(12 mod /)",
-                                   "string(string(@i - 7)) = '0'",
-                                   "string-length(1 div 4) = 4",
-                                   "string(1 = 1) = 'true'",
-                                   "count(@i) = '1' and count(@*) = '4'",
-                                   "@i > '6' and @i < '8' and @minus < '0'",
-                                   "concat(@i + 1, '-', @minus, 'x') = '8--1x'"};
-  for (const char* pTruth : kTrue) {
-    EXPECT_EQ(std::vector<DOMNode*>{document->getDocumentElement()},
-              Ask(document.get(), u"/a[" + Wide(pTruth) + u"]").m_Nodes)
-        << pTruth;
-  }
 }
 
 // -- Limits --------------------------------------------------------------------------
