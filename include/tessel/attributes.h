@@ -53,8 +53,10 @@ TSX_API TSXStatus TSXGetAttributeNS(TSXRefId element, HStr* namespaceURI, HStr* 
  * domErrNoModificationAllowed, domErrUnexpected. */
 TSX_API TSXStatus TSXSetAttribute(TSXRefId element, HStr* name, HStr* value);
 
-/* As TSXSetAttribute, by namespace; an attribute that is there already keeps
- * its own prefix. domErrRefSetAttributeNS, domErrInvalidCharacter,
+/* As TSXSetAttribute, by namespace. A name without a prefix gives the value to the
+ * attribute that is there, which keeps its own prefix. A name with a prefix makes a
+ * new attribute each time; the one that it replaces, and its id, live on and belong
+ * to no element. domErrRefSetAttributeNS, domErrInvalidCharacter,
  * domErrNoModificationAllowed, domErrNamespace where the prefix does not fit
  * the URI, domErrUnexpected. */
 TSX_API TSXStatus TSXSetAttributeNS(TSXRefId element, HStr* namespaceURI, HStr* qualifiedName,
@@ -83,8 +85,7 @@ TSX_API TSXStatus TSXGetAttributeNodeNS(TSXRefId element, HStr* namespaceURI, HS
 /* Hangs an attribute node on an element and gives the one of the same name that
  * it replaced, or 0. The replaced one stays usable, belongs to the document and
  * is freed by TSXNodeClose. An attribute that the element already has gives its
- * own id, but the DOM then takes it for detached (TSXOwnerElement gives 0): do
- * not set it again.
+ * own id and stays where it is.
  *   domErrRefSetAttribute         the element's id, as in TSXSetAttribute
  *   domErrRefSetAttributeNodeArg  the attribute's id names no node; its kind is not
  *                                 looked at, and another kind is domErrWrongDocument
@@ -103,9 +104,7 @@ TSX_API TSXStatus TSXSetAttributeNodeNS(TSXRefId element, TSXRefId attribute,
                                         TSXRefId* replacedOut);
 
 /* Removes an attribute node from its element and frees it at once, however many
- * hand-outs are open. The attribute's id is dead but stays registered, with no
- * object: it answers with each function's reference code. Ids of its text are
- * withdrawn.
+ * hand-outs are open: its id ends, and so do those of its texts.
  *   domErrRefRemoveAttributeNode     the element's id
  *   domErrRefRemoveAttributeNodeArg  the attribute's id names no node
  *   domErrNotFound                   the element does not have it, or it is another

@@ -11,10 +11,9 @@
  *
  * Lists and maps are LIVE: they follow every change of the tree. The DOM keeps
  * one object for a question asked twice, so the same id comes again, with one
- * more hand-out; the empty child lists of all leaf nodes are one list. Close a
- * list or map before its document is closed or reloaded and before its node is
- * freed: those withdraw node ids only. A list or map whose nodes are gone keeps
- * its id, answers with the reference code, and ignores its close.
+ * more hand-out; the empty child lists of all leaf nodes are one list. The id of a
+ * list or map ends with the node that it belongs to, and so with its document:
+ * <tessel/document.h> has the table.
  *
  * Strings are host handles with bytes in the local code page; a null handle is
  * an empty string, and a NUL byte ends the text. In a name lookup "*" matches

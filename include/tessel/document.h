@@ -4,14 +4,49 @@
  * only; two threads must not work on one document at the same time, closing
  * included. Ids come from the node registry, each id written is one hand-out and
  * is owed back: TSXDocumentClose for document ids, TSXNodeClose for all others.
- * An id lives until it has come back as often as it was handed out, or its
- * document is closed or reloaded. Strings in are host-owned and in the local
- * code page; a null handle is an empty string.
+ * Strings in are host-owned and in the local code page; a null handle is an empty
+ * string.
  *
  * A document id stands for the document object: the tree, its parser with its
  * options, and its messages. The bare document node below it, which
  * TSXGetParentNode of the document element gives, has an id of its own and is
- * refused by every function that asks for a document. */
+ * refused by every function that asks for a document.
+ *
+ * What ends which id. An id that ends answers with each function's reference code
+ * from then on, as an id that was never issued, and its close is ignored. "Its own"
+ * is the id of the node that the call names; "below" are the ids of everything in
+ * that node, with attributes and their texts, and of the lists and maps that belong
+ * to any of these nodes. They end however often they were handed out.
+ *
+ *   what happens                          its own           below
+ *   the last hand-out comes back          ends; the node    stay
+ *                                         stays in its tree
+ *   TSXNodeClose, the node was created    ends, at every    end: the node is
+ *     or detached and is in no tree       close             freed
+ *   TSXRemoveChild, last hand-out         ends              end: the child is freed
+ *   TSXRemoveChild, hand-outs left        one is given back stay
+ *   TSXReplaceChild, the old child        stays             stay
+ *   TSXRemoveAttribute(NS)                ends              end
+ *   TSXRemoveAttributeNode                ends              end
+ *   TSXSetAttributeNode(NS),              stays             stay
+ *     TSXSetNamedItem(NS), the replaced
+ *   TSXRemoveNamedItem(NS)                stays             stay
+ *   a new value or text of an attribute   stays             end
+ *   a new text of any other node          stays             stay; the old children
+ *                                                           hang nowhere
+ *   TSXNormalize                          stays             stay; merged texts hang
+ *                                                           nowhere
+ *   TSXElementSetXML                      moves to the      end
+ *                                         new element
+ *   a load into the document              the document's    end, the bare document
+ *                                         stays             node's too
+ *   last TSXDocumentClose, and the        ends              end, the bare document
+ *     host's cleanup procedure                              node's too
+ *   last TSXNodeClose of a document id    ends              node ids end; lists and
+ *     or of the bare document node's                        maps stay
+ *
+ * A list or map ends with the node that it belongs to; the list of a node that
+ * cannot have children belongs to none, and its id ends with its last close only. */
 #ifndef TESSEL_DOCUMENT_H
 #define TESSEL_DOCUMENT_H
 

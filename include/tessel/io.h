@@ -54,9 +54,8 @@ extern "C" {
  * Devices and pipes are read to their end, too; a pipe that nobody writes to, or a
  * source without end, keeps the call from returning, and all other file operations.
  *
- * The ids of the old tree's nodes are withdrawn, the id of the bare document
- * node stays and names nothing; both answer with each function's reference code.
- * Lists and maps of the old tree are dead: close them before.
+ * The ids of the old tree end, those of its bare document node, lists and maps
+ * included; <tessel/document.h> has the table.
  *   domErrRefLoadFile   no document object
  *   domErrPathLoadFile  not a path, or an empty one
  *   domErrParse         errors were counted, or the parser or the DOM raised

@@ -14,13 +14,13 @@
  * Functions that name domErrUnexpected guard their DOM call; the others install
  * no handler, since theirs cannot fail. Only the exhaustion of memory, while a
  * string is converted or in an unguarded call, leaves as a C++ exception. A
- * failed call changes neither the tree nor any id, but that a document type made
- * for no document may have been taken by the document: its id goes with that then.
+ * failed call changes neither the tree nor any id.
  *
  * Who frees what: a tree owns the nodes in it. A created node that is in no
  * tree yet is freed by TSXNodeClose, at EVERY close of its id, and at the
  * latest with its document. A copy (TSXCloneNode, TSXImportNode) and a node
- * taken out of a tree while ids are open are freed with their document only. */
+ * taken out of a tree while ids are open are freed with their document only.
+ * <tessel/document.h> says what ends which id. */
 #ifndef TESSEL_MUTATION_H
 #define TESSEL_MUTATION_H
 
@@ -81,8 +81,9 @@ TSX_API TSXStatus TSXCreateProcessingInstruction(TSXRefId document, HStr* target
  * domErrUnexpected. */
 TSX_API TSXStatus TSXCreateEntityReference(TSXRefId document, HStr* name, TSXRefId* nodeOut);
 
-/* Creates a document fragment. Attaching it moves its children; it is then
- * empty, hangs nowhere and is freed with its document only.
+/* Creates a document fragment. Attaching it moves its children, all of them or,
+ * where one may not stand there, none; it is then empty, hangs nowhere and is freed
+ * with its document only.
  * domErrRefCreateDocumentFragment. */
 TSX_API TSXStatus TSXCreateDocumentFragment(TSXRefId document, TSXRefId* fragmentOut);
 
@@ -95,8 +96,7 @@ TSX_API TSXStatus TSXCreateDocumentFragment(TSXRefId document, TSXRefId* fragmen
  *   domErrRefImportNode     the document's id
  *   domErrRefImportNodeArg  the source's id
  *   domErrNotSupported      the source is a document or a document type
- *   domErrUnexpected        also for a tree too deep for the calling thread's stack:
- *                           1,450 levels fit on 256 KB, 64,000 on 8 MB */
+ *   domErrUnexpected */
 TSX_API TSXStatus TSXImportNode(TSXRefId document, TSXRefId source, const uint8_t* deep,
                                 TSXRefId* copyOut);
 
@@ -133,8 +133,7 @@ TSX_API TSXStatus TSXInsertBefore(TSXRefId parent, TSXRefId referenceChild, TSXR
 TSX_API TSXStatus TSXReplaceChild(TSXRefId parent, TSXRefId newChild, TSXRefId oldChild);
 
 /* Removes a child and gives one hand-out of its id back. On the last one the
- * node is freed with everything below it, and all their ids are withdrawn,
- * those of descendants however often handed out; looking for these costs a walk
+ * node is freed with everything below it, and all their ids end, which costs a walk
  * over the subtree. With other hand-outs open the node lives on, hangs nowhere,
  * may be attached again, and is freed with its document only.
  * domErrRefRemoveChild for the parent, domErrRefRemoveChildArg for the child,
