@@ -96,7 +96,7 @@ struct CExpression {
   double m_Number = 0;
   std::u16string_view m_Text = {};
   std::vector<CExpression> m_Arguments = {};
-  std::vector<CPath> m_Paths = {};
+  std::vector<CPath> m_Paths;
 
   bool operator==(const CExpression&) const;
 };

@@ -180,7 +180,9 @@ bool CReader::ReadLevel(std::size_t number, CExpression& expression) {
     if (!ReadLevel(number + 1, right)) return false;
     const EOperands operands = pOperator->m_Operands;
     if (!CanBe(expression, operands) || !CanBe(right, operands)) return false;
-    CExpression whole{.m_Kind = pOperator->m_Kind, .m_Type = level.m_Type};
+    CExpression whole;
+    whole.m_Kind = pOperator->m_Kind;
+    whole.m_Type = level.m_Type;
     Adopt(whole, std::move(expression));
     Adopt(whole, std::move(right));
     expression = std::move(whole);
