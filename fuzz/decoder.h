@@ -133,6 +133,7 @@ class CCall {
   template <bool kEndsInString>
   bool HoldsOut() const {
     if (m_IdOut == kOldId || m_Flag == kOldFlag || m_Number == kOldNumber) return true;
+    if (m_Amount == kOldNumber) return true;
     if (m_Array.IsThere()) return true;
     return kEndsInString && OnlyReads(m_Row) && *m_Strings.back()->Out() != nullptr;
   }
@@ -160,6 +161,10 @@ class CCall {
       m_Flag = static_cast<uint8_t>(Choice(2));
       if constexpr (kIsOut) m_Flag = kOldFlag;
       return &m_Flag;
+    } else if constexpr (sizeof(std::remove_pointer_t<T>) == sizeof m_Amount) {
+      m_Amount = Number();
+      if constexpr (kIsOut) m_Amount = kOldNumber;
+      return &m_Amount;
     } else {
       static_assert(std::is_convertible_v<int32_t*, T>);
       m_Number = Number();
@@ -184,6 +189,7 @@ class CCall {
   std::span<const TSXRefId> m_Given;
   uint8_t m_Flag = 0;
   int32_t m_Number = 0;
+  int64_t m_Amount = 0;
   HostPath m_Path = nullptr;
   std::vector<std::unique_ptr<CText>> m_Strings;
 };

@@ -317,7 +317,8 @@ void CModel::CheckOuts(const CCall& call) const {
   constexpr std::array kLeaving{
       "TSXCloneNode",          "TSXGetDoNamespaces",       "TSXGetDoSchema",
       "TSXGetEncoding",        "TSXGetValidateOnLoad",     "TSXGetValidationSchemaFullChecking",
-      "TSXGetLoadExternalDTD", "TSXGetPreserveWhitespace", "XPathEvaluateContextToNodeArray"};
+      "TSXGetLoadExternalDTD", "TSXGetPreserveWhitespace", "XPathEvaluateContextToNodeArray",
+      "TSXGetExternalAccess",  "TSXGetEntityTextLimit"};
   const bool leaves = std::ranges::find(kLeaving, std::string_view(Name(call))) != kLeaving.end();
   if (call.m_HoldsOut != (leaves && call.m_HeldOut)) {
     Differs("an out beside a bad id", call.m_Ids[0]);

@@ -14,7 +14,8 @@
  * and nothing leaves as an exception.
  *
  * A fresh parser checks that the text is well-formed, applies what a DTD
- * declares, and validates nothing. */
+ * declares, validates nothing, and reads whatever the document names. For
+ * documents from strangers see TSXSetExternalAccess. */
 #ifndef TESSEL_OPTIONS_H
 #define TESSEL_OPTIONS_H
 
@@ -70,5 +71,36 @@ TSX_API TSXStatus TSXGetLoadExternalDTD(TSXRefId document, uint64_t ignored, uin
 TSX_API TSXStatus TSXSetPreserveWhitespace(TSXRefId document, uint64_t ignored,
                                            const uint8_t* value);
 TSX_API TSXStatus TSXGetPreserveWhitespace(TSXRefId document, uint64_t ignored, uint8_t* value);
+
+/* What a document may read beside itself, a number. Default: 0.
+ *   0  everything: files of any kind, and the network
+ *   1  files of any kind, nothing by network
+ *   2  regular files in the document's own folder or below, once ".." and
+ *      symbolic links are followed. A document that is loaded from a text has no
+ *      folder and reads nothing, as in TSXElementSetXML
+ *   3  nothing
+ * Any other number counts as 3 and is read back as 3. The option holds for
+ * entities, general and parameter, for document types, and for schemas with
+ * what they include, import or redefine, however the name is spelled; not for
+ * the file that TSXLoadFile is given. What is refused is not opened. It is a
+ * fatal error whose line names it and says that access was refused, and the
+ * load ends there; except an external document type in a load that does not
+ * validate (scheme 0), which is passed over as if it were empty. A folder or a
+ * file that is replaced while it is read cannot lead elsewhere; a hard link is
+ * a file of its folder. In mode 2 each file takes a few system calls more.
+ * Both: domErrRefDocument. */
+TSX_API TSXStatus TSXSetExternalAccess(TSXRefId document, uint64_t ignored, const int32_t* value);
+TSX_API TSXStatus TSXGetExternalAccess(TSXRefId document, uint64_t ignored, int32_t* value);
+
+/* Limit of expanded text: how many UTF-16 code units the expansions of one load
+ * may add in all. Default: 50,000,000, in memory a few hundred megabytes. 0 is no
+ * limit; below 0, nothing may be added. Counted are the texts of entities at
+ * each reference, in content, attribute values, default values and
+ * declarations, as well as those that they refer to. So is what default
+ * attributes add to an element beyond 256 units, where one counts its name, its
+ * value and 16. Beyond the limit the load ends with a fatal error that says so.
+ * Whatever the limit, a load ends at 50,000 expansions. Both: domErrRefDocument. */
+TSX_API TSXStatus TSXSetEntityTextLimit(TSXRefId document, uint64_t ignored, const int64_t* value);
+TSX_API TSXStatus TSXGetEntityTextLimit(TSXRefId document, uint64_t ignored, int64_t* value);
 
 #endif

@@ -76,7 +76,9 @@
     "look for content that XML cannot hold, such as a CDATA section with its own end mark") \
   X(-2625, domErrSaveFile, "TSXSaveFile, TSXSaveFilePP", "the file could not be written", \
     "check the folder, the permissions, the free space and the document's encoding") \
-  X(-2626, domErrRefDocument, "TSXLoadString, TSXElementSetXML, TSXGetEncoding, TSXSetEncoding", \
+  X(-2626, domErrRefDocument, \
+    "TSXLoadString, TSXElementSetXML, TSXGetEncoding, TSXSetEncoding, TSXSetExternalAccess, " \
+    "TSXGetExternalAccess, TSXSetEntityTextLimit, TSXGetEntityTextLimit", \
     "the id names no document, or for TSXElementSetXML no element with a parent in a document", \
     "pass the id of an open document, or of an attached element") \
   X(-2628, domErrParse, "TSXLoadFile, TSXLoadString, TSXElementSetXML", \

@@ -1,14 +1,7 @@
 #include "document/treeparser.h"
 
-#include <atomic>
-#include <memory>
-#include <utility>
 #include <vector>
-#include <xercesc/framework/MemoryManager.hpp>
-#include <xercesc/internal/XMLReader.hpp>
 #include <xercesc/internal/XMLScanner.hpp>
-#include <xercesc/util/BinMemInputStream.hpp>
-#include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/validators/DTD/DTDElementDecl.hpp>
 #include <xercesc/validators/common/ContentSpecNode.hpp>
 
@@ -20,6 +13,10 @@ namespace {
 
 // What a level of a content model takes, measured, with a margin; bytes of stack.
 constexpr std::size_t kModelLevel = 208;
+
+// UTF-16 units that a default attribute counts besides name and value, and that the
+// defaults of an element may come to before they count.
+constexpr XMLSize_t kUnitsOfDefault = 16, kFreeDefaults = 256;
 
 // "(a, b, c)" is a pair of a and the pair of b and c, so a list is deep, too.
 bool IsDeeper(const ContentSpecNode* pModel, std::size_t most) {
@@ -41,101 +38,64 @@ bool IsDeeper(const ContentSpecNode* pModel, std::size_t most) {
 
 }  // namespace
 
-// -- Expansions ------------------------------------------------------------------
-
-// The memory of all parsers and of what they make. Every expansion begins with a
-// reader, which nothing else equals in size, and it is the only step that all of them
-// have in common.
-class CTreeParser::CReaderMeter final : public xercesc::MemoryManager {
- public:
-  // Documents keep it: it belongs to no parser.
-  static CReaderMeter& Instance() {
-    static CReaderMeter s_Meter;
-    return s_Meter;
-  }
-  // Makes a parser the one of this thread, and gives the one before.
-  static CTreeParser* Enter(CTreeParser& parser) {
-    ++s_Parses;
-    return std::exchange(State().m_pParsing, &parser);
-  }
-  static void Leave(CTreeParser* pOuter) {
-    State().m_pParsing = pOuter;
-    --s_Parses;
-  }
-
-  void* allocate(XMLSize_t size) override {
-    if (s_Parses.load(std::memory_order_relaxed) == 0) return Allocate(size);
-    CState& state = State();
-    if (state.m_pParsing == nullptr) return Allocate(size);
-    if (IsBlockOf<xercesc::XMLReader>(size) && !state.m_pParsing->CountReader()) {
-      // Nobody owns the stream that the reader would have taken over.
-      const auto release = [this](void* pStream) { deallocate(pStream); };
-      const bool isStream = IsBlockOf<xercesc::BinMemInputStream>(state.m_LastSize);
-      std::unique_ptr<void, decltype(release)> stream(isStream ? state.m_pLast : nullptr, release);
-      state.m_pParsing->StopExpanding();
-      // Where the scanner goes on, the reader has it.
-      static_cast<void>(stream.release());
-    }
-    state.m_pLast = Allocate(size);
-    state.m_LastSize = size;
-    return state.m_pLast;
-  }
-  void deallocate(void* pMemory) override {
-    xercesc::XMLPlatformUtils::fgMemoryManager->deallocate(pMemory);
-  }
-  MemoryManager* getExceptionMemoryManager() override {
-    return xercesc::XMLPlatformUtils::fgMemoryManager->getExceptionMemoryManager();
-  }
-
- private:
-  // Of a thread.
-  struct CState {
-    CTreeParser* m_pParsing = nullptr;
-    void* m_pLast = nullptr;  // the last block, while parsing
-    XMLSize_t m_LastSize = 0;
-  };
-  static CState& State() {
-    constinit thread_local CState s_State;
-    return s_State;
-  }
-  // Of all threads: without any, nobody's variables are looked at.
-  static constinit inline std::atomic<size_t> s_Parses = 0;
-
-  static void* Allocate(XMLSize_t size) {
-    return xercesc::XMLPlatformUtils::fgMemoryManager->allocate(size);
-  }
-  // A block begins with the address of its memory manager.
-  template <class Object>
-  static bool IsBlockOf(XMLSize_t size) {
-    static const XMLSize_t s_Size =
-        sizeof(Object) + xercesc::XMLPlatformUtils::alignPointerForNewBlockAllocation(
-                             sizeof(xercesc::MemoryManager*));
-    return size == s_Size;
-  }
-};
-
-CTreeParser::CTreeParser() : XercesDOMParser(nullptr, &CReaderMeter::Instance()) {
+CTreeParser::CTreeParser() : m_Stop(*getScanner()), m_Limits(m_Stop), m_Resolver(m_Stop, m_Limits) {
   getScanner()->setEntityHandler(this);
 }
 
-CTreeParser::CParsing::CParsing(CTreeParser& parser) : m_pOuter(CReaderMeter::Enter(parser)) {
-  parser.m_Readers = 0;
-  parser.m_Level = 0;
+template <class Source>
+void CTreeParser::Parse(const Source& source) {
+  const CExpansionLimits::CLoad load(m_Limits);
+  m_Stop.Begin();
+  m_Level = 0;
+  m_Resolver.Lost().Free();
+  parse(source);
+  m_Resolver.Lost().Free();
 }
 
-CTreeParser::CParsing::~CParsing() { CReaderMeter::Leave(m_pOuter); }
-
-// The first reader is the document's own.
-bool CTreeParser::CountReader() { return ++m_Readers <= kMostExpansions + 1; }
-
-void CTreeParser::StopExpanding() {
-  getScanner()->emitError(xercesc::XMLErrs::EntityExpansionLimitExceeded, u"50000");
+void CTreeParser::ParseLimited(const xercesc::InputSource& text) {
+  Policy().SetDocument("");
+  Parse(text);
 }
 
-// Before a file is opened, which would stay open without its reader.
+// That there is no current folder is for the parser to say.
+void CTreeParser::ParseLimited(const char* pName) {
+  const auto pSource = m_Resolver.Document(pName);
+  if (pSource != nullptr) return Parse(*pSource);
+  Parse(pName);
+}
+
+void CTreeParser::error(unsigned int code, const XMLCh* pDomain, ErrTypes type, const XMLCh* pText,
+                        const XMLCh* pSystemId, const XMLCh* pPublicId, XMLFileLoc line,
+                        XMLFileLoc column) {
+  m_Stop.OnError();
+  XercesDOMParser::error(code, pDomain, type, pText, pSystemId, pPublicId, line, column);
+}
+
 xercesc::InputSource* CTreeParser::resolveEntity(xercesc::XMLResourceIdentifier* pResource) {
-  if (m_Readers > kMostExpansions) StopExpanding();
-  return XercesDOMParser::resolveEntity(pResource);
+  m_Stop.RequireGoing();
+  // The parser of a schema, which has a place of its own, never validates either.
+  const bool needsDocumentType =
+      pResource->getLocator() == getScanner()->getLocator() && getValidationScheme() != Val_Never;
+  return m_Resolver.Resolve(*pResource, needsDocumentType).release();
+}
+
+void CTreeParser::startExtSubset() {
+  m_Resolver.Lost().TakeFrom(*getScanner()->getReaderMgr());
+  XercesDOMParser::startExtSubset();
+}
+
+// A short text makes many and long ones. The documents of every day stay below what an
+// element may have.
+void CTreeParser::CountDefaults(const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                                XMLSize_t count) {
+  XMLSize_t units = 0;
+  for (XMLSize_t i = 0; i < count; ++i) {
+    const xercesc::XMLAttr& attribute = *attributes.elementAt(i);
+    if (attribute.getSpecified()) continue;
+    units += kUnitsOfDefault + xercesc::XMLString::stringLen(attribute.getQName()) +
+             xercesc::XMLString::stringLen(attribute.getValue());
+  }
+  if (units > kFreeDefaults) m_Limits.CountText(units - kFreeDefaults);
 }
 
 // -- Depth -----------------------------------------------------------------------
@@ -145,6 +105,9 @@ void CTreeParser::startElement(const xercesc::XMLElementDecl& declaration, unsig
                                const XMLCh* pPrefix,
                                const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
                                XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
+  m_Stop.RequireGoing();
+  m_Limits.RequireFewExpansions();
+  CountDefaults(attributes, attributeCount);
   if (m_Level != 0) GoDeeper();
   XercesDOMParser::startElement(declaration, uri, pPrefix, attributes, attributeCount, isEmpty,
                                 isRoot);
@@ -169,18 +132,13 @@ void CTreeParser::endEntityReference(const xercesc::XMLEntityDecl& declaration) 
 void CTreeParser::elementDecl(const xercesc::DTDElementDecl& declaration, bool isIgnored) {
   const bool isUsed = getValidationScheme() != Val_Never;
   if (isUsed && IsDeeper(declaration.getContentSpec(), StackRoom() / kModelLevel)) {
-    Stop(u"the content model is too large for the stack of this thread");
+    m_Stop.Stop(u"the content model is too large for the stack of this thread");
   }
   XercesDOMParser::elementDecl(declaration, isIgnored);
 }
 
 void CTreeParser::GoDeeper() {
   if (++m_Level > kMostInEntity) {
-    Stop(u"the content of an entity is nested more than 250 levels deep");
+    m_Stop.Stop(u"the content of an entity is nested more than 250 levels deep");
   }
-}
-
-// Leaves by the scanner's own exception, which it catches.
-void CTreeParser::Stop(const char16_t* pMessage) {
-  getScanner()->emitError(xercesc::XMLErrs::XMLException_Fatal, pMessage);
 }

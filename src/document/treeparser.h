@@ -4,10 +4,12 @@
 #include <cstddef>
 #include <xercesc/parsers/XercesDOMParser.hpp>
 
-// Ends in a fatal error, before it happens, what would fill the memory or the stack.
-//
-// The XML library counts the entities that a document's content expands, not those
-// of default attributes and of the document type itself; here all of them count.
+#include "document/expansionlimits.h"
+#include "document/externalresolver.h"
+#include "document/loadstop.h"
+
+// Ends in a fatal error, before it happens, what would fill the memory or the stack, and
+// what reads beside the document without leave.
 //
 // An entity's content is marked read-only by recursion when its reference ends, and
 // copied by recursion when the entity node is first looked into, by whichever thread:
@@ -15,18 +17,18 @@
 // during the load, so its depth is bounded by the stack of the loading thread.
 class CTreeParser final : public xercesc::XercesDOMParser {
  public:
-  static constexpr std::size_t kMostExpansions = 50000;
   // Elements and references, from the outermost reference on.
   static constexpr std::size_t kMostInEntity = 250;
 
   CTreeParser();
 
   // As parse, which must not be called.
-  template <class Source>
-  void ParseLimited(const Source& source) {
-    const CParsing parsing(*this);
-    parse(source);
-  }
+  void ParseLimited(const xercesc::InputSource& text);
+  void ParseLimited(const char* pName);  // a file or an address
+
+  // What the document may read beside itself, and what its expansions may come to.
+  CAccessPolicy& Policy() { return m_Resolver.Policy(); }
+  CExpansionLimits& Limits() { return m_Limits; }
 
   void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
                     const XMLCh* pPrefix, const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
@@ -36,27 +38,20 @@ class CTreeParser final : public xercesc::XercesDOMParser {
   void startEntityReference(const xercesc::XMLEntityDecl& declaration) override;
   void endEntityReference(const xercesc::XMLEntityDecl& declaration) override;
   xercesc::InputSource* resolveEntity(xercesc::XMLResourceIdentifier* pResource) override;
+  void startExtSubset() override;
   void elementDecl(const xercesc::DTDElementDecl& declaration, bool isIgnored) override;
+  void error(unsigned int code, const XMLCh* pDomain, ErrTypes type, const XMLCh* pText,
+             const XMLCh* pSystemId, const XMLCh* pPublicId, XMLFileLoc line,
+             XMLFileLoc column) override;
 
  private:
-  class CReaderMeter;
-  // The parse of this thread, for as long as it lives.
-  class CParsing {
-   public:
-    explicit CParsing(CTreeParser& parser);
-    ~CParsing();
-    CParsing(const CParsing&) = delete;
-    CParsing& operator=(const CParsing&) = delete;
-
-   private:
-    CTreeParser* m_pOuter;
-  };
-
-  bool CountReader();  // false beyond the limit
-  void StopExpanding();
+  template <class Source>
+  void Parse(const Source& source);
+  void CountDefaults(const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t count);
   void GoDeeper();
-  void Stop(const char16_t* pMessage);
 
-  std::size_t m_Readers = 0;  // of the parse so far
-  std::size_t m_Level = 0;    // inside the outermost reference, 0 for outside
+  CLoadStop m_Stop;
+  CExpansionLimits m_Limits;
+  CExternalResolver m_Resolver;
+  std::size_t m_Level = 0;  // inside the outermost reference, 0 for outside
 };

@@ -99,3 +99,20 @@ TSXStatus TSXGetValidateOnLoad(TSXRefId document, uint64_t, int32_t* value) {
     *value = static_cast<int32_t>(parser.getValidationScheme());
   });
 }
+
+TSXStatus TSXSetExternalAccess(TSXRefId document, uint64_t, const int32_t* value) {
+  return WithParser(document, domErrRefDocument,
+                    [&](auto& parser) { parser.Policy().SetMode(*value); });
+}
+TSXStatus TSXGetExternalAccess(TSXRefId document, uint64_t, int32_t* value) {
+  return WithParser(document, domErrRefDocument,
+                    [&](auto& parser) { *value = parser.Policy().Mode(); });
+}
+TSXStatus TSXSetEntityTextLimit(TSXRefId document, uint64_t, const int64_t* value) {
+  return WithParser(document, domErrRefDocument,
+                    [&](auto& parser) { parser.Limits().SetTextLimit(*value); });
+}
+TSXStatus TSXGetEntityTextLimit(TSXRefId document, uint64_t, int64_t* value) {
+  return WithParser(document, domErrRefDocument,
+                    [&](auto& parser) { *value = parser.Limits().TextLimit(); });
+}

@@ -150,13 +150,16 @@ std::string_view CCall::Next() {
   return "0";
 }
 
-int32_t CCall::Number() {
+template <class Value>
+Value CCall::Number() {
   const std::string_view text = Next();
   EXPECT_TRUE(IsNumber(text)) << text;
-  int32_t number = 0;
+  Value number = 0;
   std::from_chars(text.data(), text.data() + text.size(), number);
   return number;
 }
+template int32_t CCall::Number();
+template int64_t CCall::Number();
 
 TSXRefId CCall::Id() {
   if (!Has() || IsNumber(m_Operands[m_Next]) || IsText(m_Operands[m_Next])) return 99;

@@ -19,7 +19,7 @@ struct CRef {
 
 // An out of a call, which holds junk before it.
 struct COut {
-  enum class Kind { kId, kFlag, kNumber, kText, kArray };
+  enum class Kind { kId, kFlag, kNumber, kAmount, kText, kArray };
   static constexpr TSXRefId kJunkId = ~TSXRefId{0};
   static constexpr uint8_t kJunkFlag = 77;
   static constexpr int32_t kJunkNumber = 0x5a5a5a5a;
@@ -31,6 +31,7 @@ struct COut {
   TSXRefId m_Id = kJunkId;
   uint8_t m_Flag = kJunkFlag;
   int32_t m_Number = kJunkNumber;
+  int64_t m_Amount = kJunkNumber;
   support::CText m_Text{kJunkText};
   support::CIds m_Array;
 };
@@ -80,7 +81,8 @@ class CCall {
  private:
   bool Has() const { return m_Next < m_Operands.size(); }
   std::string_view Next();
-  int32_t Number();
+  template <class Value = int32_t>
+  Value Number();
   TSXRefId Id();
   HStr* Text();
   HostPath Path();
@@ -104,12 +106,17 @@ class CCall {
     } else if constexpr (std::is_same_v<T, const int32_t*>) {
       m_NumberIn = Number();
       return &m_NumberIn;
+    } else if constexpr (std::is_same_v<T, const int64_t*>) {
+      m_AmountIn = Number<int64_t>();
+      return &m_AmountIn;
     } else if constexpr (std::is_same_v<T, TSXRefId*>) {
       return &Out(COut::Kind::kId).m_Id;
     } else if constexpr (std::is_same_v<T, uint8_t*>) {
       return &Out(COut::Kind::kFlag).m_Flag;
     } else if constexpr (std::is_same_v<T, int32_t*>) {
       return &Out(COut::Kind::kNumber).m_Number;
+    } else if constexpr (std::is_same_v<T, int64_t*>) {
+      return &Out(COut::Kind::kAmount).m_Amount;
     } else {
       static_assert(std::is_same_v<T, GenericRefObjSessionArray*>);
       return &Out(COut::Kind::kArray).m_Array;
@@ -121,6 +128,7 @@ class CCall {
   size_t m_Next = 0;
   uint8_t m_FlagIn = 0;
   int32_t m_NumberIn = 0;
+  int64_t m_AmountIn = 0;
   std::deque<support::CText> m_Texts;
   std::unique_ptr<support::CPlace> m_Place;
 };

@@ -67,7 +67,7 @@ CRef CScene::Resolve(std::string_view operand) {
 // -- And back -----------------------------------------------------------------
 
 std::string CScene::Describe(const COut& out, const CResult& result, Registry registry) const {
-  const auto number = [&](int32_t value, int32_t junk) -> std::string {
+  const auto number = [&](int64_t value, int64_t junk) -> std::string {
     if (value == junk) return "left";
     return result.m_Status != 0 && value == 0 ? "" : std::to_string(value);
   };
@@ -77,6 +77,8 @@ std::string CScene::Describe(const COut& out, const CResult& result, Registry re
       return number(out.m_Flag, COut::kJunkFlag);
     case COut::Kind::kNumber:
       return number(out.m_Number, COut::kJunkNumber);
+    case COut::Kind::kAmount:
+      return number(out.m_Amount, COut::kJunkNumber);
     case COut::Kind::kText:
       if (out.m_Text.IsNull()) return reset;
       return out.m_Text.Str() == COut::kJunkText ? "left" : Quoted(out.m_Text.Str());

@@ -77,6 +77,54 @@ TEST_F(Hostile, EntitiesThatWantToBecomeGigabytesAreStopped) {
   for (int i = 0; i < 30; ++i) EXPECT_EQ(Load(doc, some), "");
 }
 
+TEST_F(Hostile, ExpandedTextIsCountedWhereverItStands) {
+  CPath ascii("ascii.txt"), utf8("utf8.txt"), utf16("utf16.txt"), type("limit.dtd");
+  ascii.Write("0123456789");
+  utf8.Write("\xc3\xa9\xe2\x82\xac\xf0\x9f\x98\x80");
+  utf16.Write(std::string_view("\xff\xfe\xac\x20\x3d\xd8\x00\xde", 8));
+  type.Write("<!ENTITY e '<b/>'>" + Repeated(" ", 1000));
+  const auto external = [](const CPath& path) {
+    return "<!DOCTYPE r [<!ENTITY e SYSTEM '" + path.Name() + "'>]><r>&e;</r>";
+  };
+  const std::string start = "<!DOCTYPE r [<!ENTITY e '0123456789'><!ENTITY f '&e;&e;'>";
+  struct {
+    std::string xml;
+    int64_t units;
+  } const rows[] = {
+      {start + "]><r>&e;&e;</r>", 20},
+      {start + "]><r>&f;</r>", 26},
+      {start + "]><r a='&e;'><b a='&#65;&f;&lt;'/></r>", 36},
+      {start + "<!ATTLIST r a CDATA '-&e;-'>]><r a=''/>", 10},
+      {start + "<!ATTLIST r a CDATA '-&e;-'>]><r><r/></r>", 10},
+      {"<!DOCTYPE r [<!ATTLIST r a CDATA '" + std::string(1000, 'x') + "'>]><r><r/><r a=''/></r>",
+       2 * (1000 + 1 + 16 - 256)},
+      {start + "<!ENTITY % p '<!--67890-->'>%p;%p;]><r/>", 24},
+      {external(ascii), 10},
+      {external(utf8), 4},
+      {external(utf16), 4},
+      {"<!DOCTYPE r SYSTEM '" + type.Name() + "'><r>&e;</r>", 4},
+  };
+  const auto load = [](const CDoc& doc, const std::string& xml, int64_t limit) {
+    EXPECT_EQ(TSXSetEntityTextLimit(doc.Id(), 0, &limit), 0);
+    return Load(doc, xml);
+  };
+  CDoc doc;
+  for (const auto& [xml, units] : rows) {
+    EXPECT_EQ(load(doc, xml, units), "") << xml;
+    EXPECT_EQ(load(doc, xml, 0), "") << xml;
+    const std::string less = std::to_string(units - 1);
+    ExpectRefused(load(doc, xml, units - 1), "expansions add more than " + less + " characters");
+    ExpectRefused(load(doc, xml, -1), "expansions add more than -1 characters");
+  }
+  EXPECT_EQ(load(doc, "<r>text</r>", -1), "");
+  // What a short text asks for, and what it gets.
+  const std::string much = "<!DOCTYPE r [<!ENTITY e '" + Repeated("0123456789", 10000) + "'>]><r>" +
+                           Repeated("&e;", 40000) + "</r>";
+  const long before = support::UsedBytes();
+  ExpectRefused(load(doc, much, 1'000'000), "expansions add more than 1000000 characters");
+  EXPECT_LT(support::UsedBytes() - before, 32 << 20);
+}
+
 TEST_F(Hostile, EveryPrefixOfAGoodDocumentAnswers) {
   const std::string good =
       "<?xml version='1.0' encoding='UTF-8'?>\n<!-- caf\xc3\xa9 -->\n"

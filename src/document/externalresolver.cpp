@@ -1,0 +1,82 @@
+#include "document/externalresolver.h"
+
+#include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/internal/ReaderMgr.hpp>
+
+using xercesc::InputSource;
+using xercesc::XMLResourceIdentifier;
+
+namespace {
+
+// Longer names take the parser a time that grows with the square.
+constexpr size_t kLongestName = 8192;
+constexpr size_t kLongestInMessage = 500;  // UTF-16 units
+
+// The parser asks for a document type with the very base that its place in the text has,
+// and for an entity with a base that the declaration keeps.
+bool IsDocumentType(const XMLResourceIdentifier& resource) {
+  return resource.getResourceIdentifierType() == XMLResourceIdentifier::ExternalEntity &&
+         resource.getLocator() != nullptr &&
+         resource.getBaseURI() == resource.getLocator()->getSystemId();
+}
+
+std::u16string InOneLine(const XMLCh* pName) {
+  std::u16string line(pName);
+  if (line.size() > kLongestInMessage) line = line.substr(0, kLongestInMessage) + u"...";
+  for (char16_t& unit : line) {
+    if (unit < u' ') unit = u' ';
+  }
+  return line;
+}
+
+CPlaceOfName Empty(const XMLCh* pName) {
+  static constexpr XMLByte s_Nothing = 0;
+  CPlaceOfName place;
+  place.m_pSource = std::make_unique<xercesc::MemBufInputSource>(&s_Nothing, 0, pName);
+  return place;
+}
+
+}  // namespace
+
+std::unique_ptr<InputSource> CExternalResolver::Document(const char* pName) {
+  CPlaceOfName place = CPlaceOfName::OfDocument(pName);
+  if (place.m_pSource == nullptr) return nullptr;
+  m_Policy.SetDocument(place.m_Path);
+  return std::make_unique<CExternalSource>(std::move(place), CAnswer{nullptr, true, {}}, CWatch());
+}
+
+std::unique_ptr<InputSource> CExternalResolver::Resolve(const XMLResourceIdentifier& resource,
+                                                        bool needsDocumentType) {
+  const XMLCh* pName = resource.getSystemId();
+  if (pName == nullptr) return nullptr;
+  const bool isDocumentType = IsDocumentType(resource);
+  const CWatch watch = WatchOf(resource, isDocumentType);
+  CPlaceOfName place;
+  CAnswer answer{u"its name is too long", false, {}};
+  if (xercesc::XMLString::stringLen(pName) <= kLongestName) {
+    place = CPlaceOfName::InDocument(resource.getBaseURI(), pName);
+    answer = place.m_IsFile ? m_Policy.AskForFile(place.m_Path) : m_Policy.AskForNetwork();
+  }
+  if (answer.m_pRefusal != nullptr) {
+    if (!isDocumentType || needsDocumentType) Refuse(pName, answer.m_pRefusal);
+    place = Empty(pName);
+    answer = CAnswer{nullptr, true, {}};
+  }
+  return std::make_unique<CExternalSource>(std::move(place), std::move(answer), watch);
+}
+
+CWatch CExternalResolver::WatchOf(const XMLResourceIdentifier& resource, bool isDocumentType) {
+  if (isDocumentType) {
+    return {nullptr, dynamic_cast<const xercesc::ReaderMgr*>(resource.getLocator()), &m_Lost};
+  }
+  if (resource.getResourceIdentifierType() != XMLResourceIdentifier::ExternalEntity) return {};
+  m_Limits.CountExpansion();
+  m_Limits.RequireFewExpansions();
+  return {&m_Limits, nullptr, nullptr};
+}
+
+void CExternalResolver::Refuse(const XMLCh* pName, const char16_t* pReason) {
+  const std::u16string text =
+      u"access to '" + InOneLine(pName) + u"' was refused: " + std::u16string(pReason);
+  m_Stop.Stop(text.c_str());
+}

@@ -1,0 +1,43 @@
+// What a document names outside itself: entities, document types, schemas.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <xercesc/util/XMLEntityResolver.hpp>
+
+#include "document/accesspolicy.h"
+#include "document/externalsource.h"
+#include "document/loadstop.h"
+
+// Everything that a parser reads beside its document is asked for here by name, also by
+// the parsers of schemas that it makes.
+class CExternalResolver {
+ public:
+  CExternalResolver(CLoadStop& stop, CExpansionLimits& limits) : m_Stop(stop), m_Limits(limits) {}
+  CExternalResolver(const CExternalResolver&) = delete;
+  CExternalResolver& operator=(const CExternalResolver&) = delete;
+
+  CAccessPolicy& Policy() { return m_Policy; }
+  const CAccessPolicy& Policy() const { return m_Policy; }
+
+  // The document itself, which may always be read. Null where there is no current folder
+  // and the name needs one.
+  std::unique_ptr<xercesc::InputSource> Document(const char* pName);
+
+  // What the name leads to, opened; stops the load where that is refused. Null leaves a
+  // thing without name to the parser. A document type that is not needed is read as
+  // empty where it is refused.
+  std::unique_ptr<xercesc::InputSource> Resolve(const xercesc::XMLResourceIdentifier& resource,
+                                                bool needsDocumentType);
+
+  CLostEntities& Lost() { return m_Lost; }
+
+ private:
+  CWatch WatchOf(const xercesc::XMLResourceIdentifier& resource, bool isDocumentType);
+  void Refuse(const XMLCh* pName, const char16_t* pReason);
+
+  CLoadStop& m_Stop;
+  CExpansionLimits& m_Limits;
+  CAccessPolicy m_Policy;
+  CLostEntities m_Lost;
+};

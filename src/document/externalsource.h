@@ -1,0 +1,58 @@
+// The bytes of what is read beside a document, on their way to the parser.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+#include <xercesc/framework/URLInputSource.hpp>
+#include <xercesc/internal/ReaderMgr.hpp>
+#include <xercesc/validators/DTD/DTDEntityDecl.hpp>
+
+#include "document/accesspolicy.h"
+#include "document/expansionlimits.h"
+
+// Where a name leads, found as the XML library finds it. Nothing is opened.
+struct CPlaceOfName {
+  std::unique_ptr<xercesc::InputSource> m_pSource;  // opens it; its name is the whole one
+  bool m_IsFile = false;
+  std::string m_Path;  // of a file
+
+  // A name in a document; the base is the address of what names it.
+  static CPlaceOfName InDocument(const XMLCh* pBase, const XMLCh* pName);
+  // The document itself; without a source where the name needs a current folder and
+  // there is none.
+  static CPlaceOfName OfDocument(const char* pName);
+};
+
+// The entities that the XML library makes for the readers of external document types and
+// never frees.
+class CLostEntities {
+ public:
+  // Takes the one of the current reader, if that reads a document type.
+  void TakeFrom(const xercesc::ReaderMgr& readers);
+  // When no scanner is at work any more.
+  void Free() { m_Lost.clear(); }
+
+ private:
+  std::vector<std::unique_ptr<const xercesc::XMLEntityDecl>> m_Lost;
+};
+
+// What watches a stream while it is read; each is optional.
+struct CWatch {
+  CExpansionLimits* m_pLimits = nullptr;  // its text counts
+  const xercesc::ReaderMgr* m_pReaders = nullptr;
+  CLostEntities* m_pLost = nullptr;  // it is of a document type, among those readers
+};
+
+// What is at a place, as far as the answer allows.
+class CExternalSource final : public xercesc::InputSource {
+ public:
+  CExternalSource(CPlaceOfName place, CAnswer answer, const CWatch& watch);
+  // Null where there is nothing: the parser says so by name.
+  xercesc::BinInputStream* makeStream() const override;
+
+ private:
+  CPlaceOfName m_Place;
+  mutable CAnswer m_Answer;  // its file goes to the stream
+  CWatch m_Watch;
+};
