@@ -46,7 +46,12 @@ template <class Source>
 void CTreeParser::Parse(const Source& source) {
   const CExpansionLimits::CLoad load(m_Limits);
   m_Stop.Begin();
+  m_Prefixes.Begin();
+  m_Names.Begin();
   m_Level = 0;
+  m_IsInternal = false;
+  m_Listed.clear();
+  m_IsListed.clear();
   m_Resolver.Lost().Free();
   parse(source);
   m_Resolver.Lost().Free();
@@ -98,6 +103,59 @@ void CTreeParser::CountDefaults(const xercesc::RefVectorOf<xercesc::XMLAttr>& at
   if (units > kFreeDefaults) m_Limits.CountText(units - kFreeDefaults);
 }
 
+// -- Time ------------------------------------------------------------------------
+
+void CTreeParser::NeedRoom(XMLSize_t names) {
+  m_Names.Need(*getDocument(), names);
+  dom::NeedIds(*getDocument(), names);
+}
+
+void CTreeParser::startIntSubset() {
+  m_IsInternal = true;
+  XercesDOMParser::startIntSubset();
+}
+
+void CTreeParser::endIntSubset() {
+  m_IsInternal = false;
+  XercesDOMParser::endIntSubset();
+  MakeDefaults();
+}
+
+void CTreeParser::endExtSubset() {
+  XercesDOMParser::endExtSubset();
+  MakeDefaults();
+}
+
+void CTreeParser::attDef(const xercesc::DTDElementDecl& element,
+                         const xercesc::DTDAttDef& attribute, bool isIgnored) {
+  NeedRoom(1);
+  XercesDOMParser::attDef(element, attribute, isIgnored);
+}
+
+void CTreeParser::entityDecl(const xercesc::DTDEntityDecl& declaration, bool isParameter,
+                             bool isIgnored) {
+  NeedRoom(1);
+  XercesDOMParser::entityDecl(declaration, isParameter, isIgnored);
+}
+
+void CTreeParser::notationDecl(const xercesc::XMLNotationDecl& declaration, bool isIgnored) {
+  NeedRoom(1);
+  XercesDOMParser::notationDecl(declaration, isIgnored);
+}
+
+// The base makes all defaults of the element anew, which once is enough: all that is left
+// to do here is the text of the subset.
+void CTreeParser::endAttList(const xercesc::DTDElementDecl& declaration) {
+  if (m_IsInternal) fInternalSubset.append(u'>');
+  if (m_IsListed.insert(&declaration).second) m_Listed.push_back(&declaration);
+}
+
+void CTreeParser::MakeDefaults() {
+  for (const xercesc::DTDElementDecl* pElement : m_Listed) XercesDOMParser::endAttList(*pElement);
+  m_Listed.clear();
+  m_IsListed.clear();
+}
+
 // -- Depth -----------------------------------------------------------------------
 
 // An empty element is ended by the base.
@@ -108,6 +166,10 @@ void CTreeParser::startElement(const xercesc::XMLElementDecl& declaration, unsig
   m_Stop.RequireGoing();
   m_Limits.RequireFewExpansions();
   CountDefaults(attributes, attributeCount);
+  NeedRoom(attributeCount + 1);
+  if (getDoNamespaces()) {
+    m_Prefixes.Enter(*getScanner(), pPrefix, attributes, attributeCount);
+  }
   if (m_Level != 0) GoDeeper();
   XercesDOMParser::startElement(declaration, uri, pPrefix, attributes, attributeCount, isEmpty,
                                 isRoot);
@@ -116,6 +178,7 @@ void CTreeParser::startElement(const xercesc::XMLElementDecl& declaration, unsig
 void CTreeParser::endElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
                              bool isRoot, const XMLCh* pPrefix) {
   if (m_Level != 0) --m_Level;
+  m_Prefixes.Leave();
   XercesDOMParser::endElement(declaration, uri, isRoot, pPrefix);
 }
 

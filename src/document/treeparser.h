@@ -2,11 +2,15 @@
 #pragma once
 
 #include <cstddef>
+#include <unordered_set>
+#include <vector>
 #include <xercesc/parsers/XercesDOMParser.hpp>
 
 #include "document/expansionlimits.h"
 #include "document/externalresolver.h"
 #include "document/loadstop.h"
+#include "document/prefixscope.h"
+#include "dom/hashroom.h"
 
 // Ends in a fatal error, before it happens, what would fill the memory or the stack, and
 // what reads beside the document without leave.
@@ -39,6 +43,15 @@ class CTreeParser final : public xercesc::XercesDOMParser {
   void endEntityReference(const xercesc::XMLEntityDecl& declaration) override;
   xercesc::InputSource* resolveEntity(xercesc::XMLResourceIdentifier* pResource) override;
   void startExtSubset() override;
+  void endExtSubset() override;
+  void startIntSubset() override;
+  void endIntSubset() override;
+  void attDef(const xercesc::DTDElementDecl& element, const xercesc::DTDAttDef& attribute,
+              bool isIgnored) override;
+  void endAttList(const xercesc::DTDElementDecl& declaration) override;
+  void entityDecl(const xercesc::DTDEntityDecl& declaration, bool isParameter,
+                  bool isIgnored) override;
+  void notationDecl(const xercesc::XMLNotationDecl& declaration, bool isIgnored) override;
   void elementDecl(const xercesc::DTDElementDecl& declaration, bool isIgnored) override;
   void error(unsigned int code, const XMLCh* pDomain, ErrTypes type, const XMLCh* pText,
              const XMLCh* pSystemId, const XMLCh* pPublicId, XMLFileLoc line,
@@ -48,10 +61,18 @@ class CTreeParser final : public xercesc::XercesDOMParser {
   template <class Source>
   void Parse(const Source& source);
   void CountDefaults(const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t count);
+  void NeedRoom(XMLSize_t names);
+  void MakeDefaults();
   void GoDeeper();
 
   CLoadStop m_Stop;
   CExpansionLimits m_Limits;
   CExternalResolver m_Resolver;
-  std::size_t m_Level = 0;  // inside the outermost reference, 0 for outside
+  CPrefixScope m_Prefixes;
+  dom::CNameRoom m_Names;
+  std::size_t m_Level = 0;    // inside the outermost reference, 0 for outside
+  bool m_IsInternal = false;  // the internal subset is read
+  // Elements whose defaults wait for the end of the subset.
+  std::vector<const xercesc::DTDElementDecl*> m_Listed;
+  std::unordered_set<const xercesc::DTDElementDecl*> m_IsListed;
 };

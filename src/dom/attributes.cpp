@@ -5,6 +5,7 @@
 #include <xercesc/dom/impl/DOMNodeIDMap.hpp>
 
 #include "dom/edit.h"
+#include "dom/hashroom.h"
 #include "dom/idindex.h"
 #include "dom/look.h"
 #include "dom/release.h"
@@ -161,6 +162,7 @@ void SetValue(DOMAttr& attribute, const XMLCh* pValue) {
   DOMDocumentImpl& document = Impl(*OwnerDocument(attribute));
   const bool isId = NodePart(attribute).isIdAttr();
   if (isId) {
+    NeedIds(document, 1);
     Refile(attribute);
     document.getNodeIDMap()->remove(&attribute);
   }

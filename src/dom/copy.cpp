@@ -1,6 +1,7 @@
 #include "dom/copy.h"
 
 #include "dom/edit.h"
+#include "dom/hashroom.h"
 #include "dom/look.h"
 #include "dom/release.h"
 #include "dom/takentypes.h"
@@ -53,6 +54,12 @@ DOMNode* CloneOne(const DOMNode& node, bool deep) {
   return pClone;
 }
 
+// A copy of an ID is an ID of the document that it is made in.
+void NeedIdsFor(DOMDocument& document, const DOMNode& part) {
+  const xercesc::DOMNamedNodeMap* pAttributes = part.getAttributes();
+  if (pAttributes != nullptr) NeedIds(document, pAttributes->getLength());
+}
+
 // The DOM crashes when it is to clone a document type that no document has taken. Such a
 // type is no more than its names, so one made of them is its clone.
 DOMNode* CloneFreeType(const xercesc::DOMDocumentType& type) {
@@ -70,6 +77,7 @@ DOMNode* CloneDocument(DOMNode& document, bool deep) {
   CNodeOwner copy(document.cloneNode(false));
   auto& into = As<DOMDocumentImpl>(*copy);
   const auto copyOne = [&](const DOMNode& node) {
+    NeedIdsFor(into, node);
     return (into.*CImport::kImport)(&node, IsOneOf(node, kCopiedWhole), true);
   };
   for (DOMNode* pChild = deep ? FirstChild(document) : nullptr; pChild != nullptr;
@@ -85,12 +93,14 @@ DOMNode* Clone(DOMNode& node, bool deep) {
   if (node.getNodeType() == DOMNode::DOCUMENT_NODE) return CloneDocument(node, deep);
   if (IsFreeType(node)) return CloneFreeType(As<xercesc::DOMDocumentType>(node));
   return CopyTree(node, deep, [&](const DOMNode& part) {
+    if (DOMDocument* pOwner = OwnerDocument(part)) NeedIdsFor(*pOwner, part);
     return CloneOne(part, deep && IsOneOf(part, kCopiedWhole));
   });
 }
 
 DOMNode* Import(DOMDocument& document, DOMNode& source, bool deep) {
   return CopyTree(source, deep, [&](const DOMNode& part) {
+    NeedIdsFor(document, part);
     return document.importNode(&part, deep && IsOneOf(part, kCopiedWhole));
   });
 }

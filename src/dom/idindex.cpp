@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <xercesc/dom/impl/DOMNodeIDMap.hpp>
 
+#include "dom/hashroom.h"
 #include "dom/parts.h"
 
 using xercesc::DOMAttr;
@@ -43,6 +44,7 @@ void Refile(DOMAttr& attribute) {
   DOMNodeIDMap* pIndex = Impl(*attribute.getOwnerDocument()).getNodeIDMap();
   if (pIndex->find(attribute.getValue()) == &attribute) return;
   Drop(*pIndex, &attribute);
+  NeedIds(*attribute.getOwnerDocument(), 1);
   pIndex->add(&attribute);
 }
 

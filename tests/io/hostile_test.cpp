@@ -12,6 +12,7 @@ namespace {
 using support::CDoc;
 using support::CPath;
 using support::CText;
+using support::IdOf;
 using support::Repeated;
 using support::TextOf;
 
@@ -245,6 +246,30 @@ long AvailableGigabytes() {
     if (name == "MemAvailable:" && info >> kilobytes) return kilobytes >> 20;
   }
   return 0;
+}
+
+TEST_F(Hostile, AMillionIds) {
+  if (support::kSanitized) GTEST_SKIP() << "a sanitizer takes too much time";
+  constexpr int kMillion = 1'000'000;
+  std::string xml = "<!DOCTYPE r [<!ATTLIST b i ID #IMPLIED>]><r>";
+  for (int i = 0; i < kMillion; ++i) xml += Numbered("<b i='x", i) + "'/>";
+  CDoc doc(xml + "</r>");
+  const auto find = [&](int number) {
+    CText id(Numbered("x", number));
+    return IdOf(TSXGetElementById, doc.Id(), &id);
+  };
+  const TSXRefId root = doc.Root(), last = IdOf(TSXGetLastChild, root, uint64_t{0});
+  EXPECT_EQ(find(0), support::FirstChild(root));
+  EXPECT_EQ(find(kMillion - 1), last);
+  EXPECT_EQ(find(kMillion), 0u);
+  CText path("id('x999999')"), error;
+  TSXRefId found = 0;
+  EXPECT_EQ(XPathEvaluateContextToNode(root, &path, &found, &error), 0);
+  EXPECT_EQ(found, last);
+  // Values that come and go take a place each.
+  for (int i = 1; i <= kMillion; ++i) support::SetAttribute(last, "i", Numbered("y", i));
+  EXPECT_EQ(find(kMillion - 1), 0u);
+  EXPECT_EQ(find(kMillion - 2), IdOf(TSXGetPreviousSibling, last, uint64_t{0}));
 }
 
 TEST_F(Hostile, AGigabyteOfText) {
