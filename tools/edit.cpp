@@ -20,18 +20,49 @@ struct CContext {
   throw CFailure(Line(context.m_File, OneOf(kind) + ' ' + pWhy));
 }
 
+// -- Deletion ------------------------------------------------------------------------
+
+void DeleteAttribute(const CNode& attribute, const std::string& file) {
+  CNode element;
+  Require(TSXOwnerElement(attribute.Get(), 0, element.Out()), file);
+  Require(TSXRemoveAttributeNode(element.Get(), attribute.Get()), file);
+}
+
+void DeleteNode(CNode& node, const CContext& context) {
+  const EKind kind = KindOf(node.Get());
+  if (kind == EKind::kAttribute) return DeleteAttribute(node, context.m_File);
+  if (kind == EKind::kDocument) Refuse(context, kind, "cannot be deleted");
+  const CNode parent = Parent(node.Get());
+  if (kind == EKind::kElement && KindOf(parent.Get()) == EKind::kDocument) {
+    throw CFailure(Line(context.m_File, "the document element cannot be deleted"));
+  }
+  Require(TSXRemoveChild(parent.Get(), node.Get()), context.m_File);
+  node.Forget();  // the removal took the hand-out
+}
+
+void DeleteChildren(const CNode& node, const CContext& context) {
+  for (CNode child = FirstChild(node.Get()); child; child = FirstChild(node.Get())) {
+    Require(TSXRemoveChild(node.Get(), child.Get()), context.m_File);
+    child.Forget();
+  }
+}
+
 // -- Values --------------------------------------------------------------------------
 
-void SetNode(const CNode& node, const CContext& context) {
+// An empty text would be none when it is read again, so none is made.
+void SetNode(CNode& node, const CContext& context) {
   const EKind kind = KindOf(node.Get());
   RequireValue(context.m_Edit.m_Value, kind, context.m_File);
   CText value(context.m_Edit.m_Value);
   switch (kind) {
     case EKind::kElement:
+      if (context.m_Edit.m_Value.empty()) return DeleteChildren(node, context);
       return Require(TSXSetText(node.Get(), value.Get()), context.m_File);
     case EKind::kAttribute:
       return Require(TSXSetAttrValue(node.Get(), 0, value.Get()), context.m_File);
     case EKind::kText:
+      if (context.m_Edit.m_Value.empty()) return DeleteNode(node, context);
+      [[fallthrough]];
     case EKind::kCDATA:
     case EKind::kComment:
     case EKind::kProcessingInstruction:
@@ -54,26 +85,6 @@ void SetAttributeOf(const CNode& node, const CContext& context) {
   if (kind != EKind::kElement) Refuse(context, kind, "has no attributes");
   RequireValue(context.m_Edit.m_Value, EKind::kAttribute, context.m_File);
   SetAttribute(node.Get(), context.m_Edit.m_Name, context.m_Edit.m_Value, context.m_File);
-}
-
-// -- Deletion ------------------------------------------------------------------------
-
-void DeleteAttribute(const CNode& attribute, const std::string& file) {
-  CNode element;
-  Require(TSXOwnerElement(attribute.Get(), 0, element.Out()), file);
-  Require(TSXRemoveAttributeNode(element.Get(), attribute.Get()), file);
-}
-
-void DeleteNode(CNode& node, const CContext& context) {
-  const EKind kind = KindOf(node.Get());
-  if (kind == EKind::kAttribute) return DeleteAttribute(node, context.m_File);
-  if (kind == EKind::kDocument) Refuse(context, kind, "cannot be deleted");
-  const CNode parent = Parent(node.Get());
-  if (kind == EKind::kElement && KindOf(parent.Get()) == EKind::kDocument) {
-    throw CFailure(Line(context.m_File, "the document element cannot be deleted"));
-  }
-  Require(TSXRemoveChild(parent.Get(), node.Get()), context.m_File);
-  node.Forget();  // the removal took the hand-out
 }
 
 // -- Names ---------------------------------------------------------------------------
@@ -173,13 +184,15 @@ void ApplyTo(CNode& node, const CContext& context) {
 
 }  // namespace
 
-void Apply(const CEdit& edit, const CDocument& document, const std::string& file) {
+void Apply(const CEdit& edit, const CDocument& document, const std::string& file,
+           const std::function<void(CNodeArray&)>& look) {
   // Kept until all is done, or its closing would take the ids of all nodes along.
   CNode element;
   Require(TSXGetDocumentElement(document.Get(), 0, element.Out()), file);
   const CNode bareDocument = Parent(element.Get());
   CNodeArray nodes = Select(document, file, edit.m_Expression);
   if (nodes.Size() == 0) throw CFailure(Line(file, "nothing found: " + edit.m_Expression));
+  look(nodes);
   const CContext context{edit, document, file};
   // From the last to the first, so that no node goes before one that it holds.
   for (size_t i = nodes.Size(); i-- > 0;) {

@@ -2,6 +2,7 @@
 #ifndef TESSEL_TOOLS_EDIT_H
 #define TESSEL_TOOLS_EDIT_H
 
+#include <functional>
 #include <string>
 
 #include "nodes.h"
@@ -21,8 +22,10 @@ struct CEdit {
   EContent m_Content = EContent::kXML;
 };
 
-// Changes the document. Throws a CFailure about `file`, with the document changed in
-// part, where nothing is selected or a node cannot be changed in this way.
-void Apply(const CEdit& edit, const CDocument& document, const std::string& file);
+// Changes the document, after `look` was given the nodes that the edit selects. Throws a CFailure
+// about `file`, with the document changed in part, where nothing is selected or a node cannot be
+// changed in this way.
+void Apply(const CEdit& edit, const CDocument& document, const std::string& file,
+           const std::function<void(CNodeArray&)>& look);
 
 #endif

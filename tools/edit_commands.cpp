@@ -6,6 +6,7 @@
 #include "client.h"
 #include "document.h"
 #include "edit.h"
+#include "edited.h"
 #include "message.h"
 #include "output.h"
 #include "progress.h"
@@ -26,10 +27,12 @@ using COptions = std::shared_ptr<CEditOptions>;
 void EditFile(const CInput& input, const CEditOptions& options, const CClient& client) {
   CReadOptions read;
   read.m_Namespaces = options.m_NoNamespaces ? 0 : 1;
-  const CDocument document = ReadDocument(input, client, read);
-  for (const CEdit& edit : options.m_Edits) Apply(edit, document, input.Name());
-  WriteResult(options.m_InPlace ? input.Name() : options.m_Output,
-              WriteDocument(document, input.Name()));
+  CEditedFile file(input, client, read);
+  for (const CEdit& edit : options.m_Edits) file.Apply(edit);
+  if (!file.IsChangedInPlace()) {
+    PrintError(Line(input.Name(), "its text cannot be changed in part, so it is written anew"));
+  }
+  WriteResult(options.m_InPlace ? input.Name() : options.m_Output, file.Bytes());
 }
 
 void RequireUsable(const CEditOptions& options) {

@@ -94,14 +94,25 @@ bool CFileIdentity::IsOpenAs(int descriptor) const {
          status.st_ino == m_Node;
 }
 
-std::string CInput::Head() const {
-  constexpr size_t kHead = 65536;
-  if (m_Path.empty()) return m_Text.substr(0, kHead);
-  std::string head(kHead, '\0');
-  const CDescriptor file(m_Identity.m_Size > 0 ? open(m_Path.c_str(), O_RDONLY | O_CLOEXEC) : -1);
-  const ssize_t got = file.IsOpen() ? read(file.Get(), head.data(), head.size()) : 0;
-  head.resize(static_cast<size_t>(std::max<ssize_t>(got, 0)));
-  return head;
+std::string CInput::Bytes() const { return Read(m_Identity.m_Size); }
+
+std::string CInput::Head() const { return Read(std::min<uint64_t>(m_Identity.m_Size, 65536)); }
+
+// Nothing of a pipe: the parser reads that.
+std::string CInput::Read(uint64_t most) const {
+  if (m_Path.empty()) return m_Text;
+  std::string bytes(m_Spool.IsOpen() ? static_cast<size_t>(lseek(m_Spool.Get(), 0, SEEK_END))
+                                     : static_cast<size_t>(most),
+                    '\0');
+  const CDescriptor file(bytes.empty() ? -1 : open(m_Path.c_str(), O_RDONLY | O_CLOEXEC));
+  ssize_t got = 0;
+  size_t size = 0;
+  while (file.IsOpen() && size < bytes.size() &&
+         (got = read(file.Get(), bytes.data() + size, bytes.size() - size)) > 0) {
+    size += static_cast<size_t>(got);
+  }
+  bytes.resize(size);
+  return bytes;
 }
 
 void CInput::ReadStandardInput() {
@@ -109,8 +120,20 @@ void CInput::ReadStandardInput() {
     m_Problem = std::strerror(errno);
     return;
   }
+  SpoolText();
+}
+
+CInput CInput::OfText(std::string file, std::string text) {
+  CInput input;
+  input.m_Name = std::move(file);
+  input.m_Text = std::move(text);
+  input.SpoolText();
+  return input;
+}
+
+void CInput::SpoolText() {
   if (!NeedsFile(m_Text)) return;
-  m_Spool = CDescriptor(memfd_create("stdin", MFD_CLOEXEC));
+  m_Spool = CDescriptor(memfd_create("text", MFD_CLOEXEC));
   if (!m_Spool.IsOpen() || !WriteAll(m_Spool.Get(), m_Text)) {
     m_Problem = std::strerror(errno);
     return;

@@ -47,6 +47,9 @@ class CInput {
  public:
   CInput(std::string file, EStandardInput standardInput);
 
+  // Text as if it were what this file holds.
+  static CInput OfText(std::string file, std::string text);
+
   const std::string& Name() const { return m_Name; }
   // Why it cannot be read; empty when it can.
   const std::string& Problem() const { return m_Problem; }
@@ -54,12 +57,17 @@ class CInput {
   const std::string& Path() const { return m_Path; }
   const std::string& Text() const { return m_Text; }
   const CFileIdentity& Identity() const { return m_Identity; }
+  // All of a regular file or a text, empty otherwise.
+  std::string Bytes() const;
   // As much as a document type usually takes. Nothing of a pipe.
   std::string Head() const;
 
  private:
+  CInput() = default;
   void Probe();
   void ReadStandardInput();
+  void SpoolText();
+  std::string Read(uint64_t most) const;
 
   std::string m_Name;
   std::string m_Problem;

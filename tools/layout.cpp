@@ -28,7 +28,7 @@ std::vector<bool> Kept(const std::vector<CToken>& tokens) {
       open.push_back(i);
     } else if (token.m_Kind == EToken::kEnd) {
       open.pop_back();
-    } else if (token.m_Kind == EToken::kCDATA ||
+    } else if (token.m_Kind == EToken::kCDATA || token.m_Kind == EToken::kReference ||
                (token.m_Kind == EToken::kText && !IsBlank(token))) {
       if (!open.empty()) kept[open.back()] = true;
     }

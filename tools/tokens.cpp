@@ -1,6 +1,6 @@
 #include "tokens.h"
 
-#include <algorithm>
+#include <initializer_list>
 
 namespace {
 
@@ -46,9 +46,27 @@ size_t DocumentTypeSize(std::string_view text) {
   return text.size();
 }
 
+// References to characters, and those that need no declaration, are text.
+bool IsReference(std::string_view text) {
+  if (text[0] != '&' || text.starts_with("&#")) return false;
+  for (const std::string_view name : {"&lt;", "&gt;", "&amp;", "&quot;", "&apos;"}) {
+    if (text.starts_with(name)) return false;
+  }
+  return true;
+}
+
+size_t TextSize(std::string_view text) {
+  for (size_t at = 0;; ++at) {
+    at = text.find_first_of("<&", at);
+    if (at == text.npos) return text.size();
+    if (text[at] == '<' || IsReference(text.substr(at))) return at;
+  }
+}
+
 CToken First(std::string_view xml) {
   const auto token = [&](EToken kind, size_t size) { return CToken{kind, xml.substr(0, size)}; };
-  if (xml[0] != '<') return token(EToken::kText, std::min(xml.find('<'), xml.size()));
+  if (IsReference(xml)) return token(EToken::kReference, Through(xml, ";"));
+  if (xml[0] != '<') return token(EToken::kText, TextSize(xml));
   if (xml.starts_with("<!--")) return token(EToken::kComment, Through(xml, "-->"));
   if (xml.starts_with("<?")) return token(EToken::kInstruction, Through(xml, "?>"));
   if (xml.starts_with("<![")) return token(EToken::kCDATA, Through(xml, "]]>"));

@@ -6,7 +6,8 @@
 #include <vector>
 
 enum class EToken {
-  kText,  // references and all
+  kText,       // with references to characters
+  kReference,  // to an entity
   kStart,
   kEmpty,  // a start tag that ends its element
   kEnd,

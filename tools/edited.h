@@ -1,0 +1,52 @@
+// A file on its way from what it was to what the edits make of it.
+#ifndef TESSEL_TOOLS_EDITED_H
+#define TESSEL_TOOLS_EDITED_H
+
+#include <optional>
+#include <string>
+
+#include "document.h"
+#include "edit.h"
+
+// The bytes of a file as UTF-8 text, from which they can be made again.
+class CSourceText {
+ public:
+  // Nothing where they cannot, or are not there, as those of a pipe.
+  static std::optional<CSourceText> Of(const CInput& input);
+
+  const std::string& Encoding() const { return m_Encoding; }
+  // Behind the mark, if there is one.
+  std::string_view Text() const { return std::string_view(m_Text).substr(m_Mark); }
+  // False where the encoding lacks a character of the text.
+  bool SetText(const std::string& text);
+  std::string Bytes() const;
+
+ private:
+  std::string m_Encoding;
+  std::string m_Text;
+  size_t m_Mark = 0;  // bytes
+};
+
+// Edits change the text of the file where it is known what they concern, and are done on
+// the tree, too. After each the text is read again: it must be the document that the tree
+// is, or the tree is what counts from then on, and is written as a whole.
+class CEditedFile {
+ public:
+  CEditedFile(const CInput& input, const CClient& client, const CReadOptions& options);
+
+  void Apply(const CEdit& edit);
+  std::string Bytes() const;
+  // False where the file is written anew as a whole.
+  bool IsChangedInPlace() const { return m_Source.has_value(); }
+
+ private:
+  bool Confirms(const std::string& written);
+
+  const CInput& m_Input;
+  const CClient& m_Client;
+  CReadOptions m_Options;
+  CDocument m_Document;
+  std::optional<CSourceText> m_Source;
+};
+
+#endif
