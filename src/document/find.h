@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "document/xercesdom.h"
-#include "dom/attributes.h"
+#include "dom/maps.h"
 #include "registry/globals.h"
 
 namespace nodekind {

@@ -1,9 +1,9 @@
 #include "dom/attributes.h"
 
 #include <memory>
-#include <xercesc/dom/impl/DOMNamedNodeMapImpl.hpp>
 #include <xercesc/dom/impl/DOMNodeIDMap.hpp>
 
+#include "dom/checks.h"
 #include "dom/edit.h"
 #include "dom/hashroom.h"
 #include "dom/idindex.h"
@@ -21,12 +21,6 @@ using xercesc::XMLString;
 namespace dom {
 
 namespace {
-
-[[noreturn]] void Refuse(short code) { throw DOMException(code); }
-
-void RequireWritable(const DOMNode& node) {
-  if (IsReadOnly(node)) Refuse(DOMException::NO_MODIFICATION_ALLOWED_ERR);
-}
 
 DOMDocumentImpl& DocumentOf(DOMElement& element) { return Impl(*OwnerDocument(element)); }
 
@@ -122,12 +116,6 @@ void ReplaceText(DOMAttr& attribute, const XMLCh* pValue) {
   Append(attribute, text);
 }
 
-// The checks that both ways of setting an attribute node make last.
-void CheckItem(const DOMNode& holder, const DOMNode& node) {
-  if (OwnerDocument(node) != OwnerDocument(holder)) Refuse(DOMException::WRONG_DOCUMENT_ERR);
-  RequireWritable(holder);
-}
-
 DOMAttr* SameName(DOMElement& element, const DOMNode& attribute) {
   return Attribute(element, attribute.getNodeName());
 }
@@ -135,24 +123,6 @@ DOMAttr* SameNameNS(DOMElement& element, const DOMNode& attribute) {
   const XMLCh* pLocal = attribute.getLocalName();
   if (pLocal == nullptr) return SameName(element, attribute);
   return AttributeNS(element, attribute.getNamespaceURI(), pLocal);
-}
-
-// As the DOM's map of attributes does it.
-DOMNode* SetInMap(DOMElement& element, DOMNode& node) {
-  if (node.getNodeType() != DOMNode::ATTRIBUTE_NODE) Refuse(DOMException::HIERARCHY_REQUEST_ERR);
-  CheckItem(element, node);
-  if (IsOwned(node) && NodePart(node).fOwnerNode != &element) {
-    Refuse(DOMException::INUSE_ATTRIBUTE_ERR);
-  }
-  if (IsOwned(node)) return &node;
-  return Enter(As<DOMElementImpl>(element), node, SameName(element, node));
-}
-
-DOMNode* SetInMapNS(DOMElement& element, DOMNode& node) {
-  if (node.getNodeType() != DOMNode::ATTRIBUTE_NODE) Refuse(DOMException::HIERARCHY_REQUEST_ERR);
-  CheckItem(element, node);
-  if (IsOwned(node)) Refuse(DOMException::INUSE_ATTRIBUTE_ERR);
-  return Enter(As<DOMElementImpl>(element), node, SameNameNS(element, node));
 }
 
 }  // namespace
@@ -215,6 +185,23 @@ void RemoveAttributeNode(DOMElement& element, DOMNode& node) {
   FreeAttribute(As<DOMElementImpl>(element), &As<DOMAttr>(node));
 }
 
+DOMNode* SetInMap(DOMElement& element, DOMNode& node) {
+  if (node.getNodeType() != DOMNode::ATTRIBUTE_NODE) Refuse(DOMException::HIERARCHY_REQUEST_ERR);
+  CheckItem(element, node);
+  if (IsOwned(node) && NodePart(node).fOwnerNode != &element) {
+    Refuse(DOMException::INUSE_ATTRIBUTE_ERR);
+  }
+  if (IsOwned(node)) return &node;
+  return Enter(As<DOMElementImpl>(element), node, SameName(element, node));
+}
+
+DOMNode* SetInMapNS(DOMElement& element, DOMNode& node) {
+  if (node.getNodeType() != DOMNode::ATTRIBUTE_NODE) Refuse(DOMException::HIERARCHY_REQUEST_ERR);
+  CheckItem(element, node);
+  if (IsOwned(node)) Refuse(DOMException::INUSE_ATTRIBUTE_ERR);
+  return Enter(As<DOMElementImpl>(element), node, SameNameNS(element, node));
+}
+
 // Contract: what is no attribute gets the DOM's answers to a node of another document, or
 // by namespace to one that may not stand there.
 DOMNode* SetAttributeNode(DOMElement& element, DOMNode& node) {
@@ -227,75 +214,6 @@ DOMNode* SetAttributeNodeNS(DOMElement& element, DOMNode& node) {
   RequireWritable(element);
   if (OwnerDocument(node) != OwnerDocument(element)) Refuse(DOMException::WRONG_DOCUMENT_ERR);
   return SetInMapNS(element, node);
-}
-
-// -- Maps -------------------------------------------------------------------------
-
-namespace {
-
-bool IsOfElement(const CMap& map) { return map.m_Holder.getNodeType() == DOMNode::ELEMENT_NODE; }
-
-// The hash table behind a map of a document type.
-struct CBuckets : xercesc::DOMNamedNodeMapImpl {
-  static constexpr auto kBuckets = &CBuckets::fBuckets;
-};
-
-// The DOM stops the process when it copies a table with a bucket that was emptied.
-void DropEmptyBuckets(xercesc::DOMNamedNodeMap& map) {
-  auto& table = static_cast<xercesc::DOMNamedNodeMapImpl&>(map);
-  for (auto*& pBucket : table.*CBuckets::kBuckets) {
-    if (pBucket != nullptr && pBucket->size() == 0) pBucket = nullptr;
-  }
-}
-
-// The one kind of node that a map of a document type may hold.
-DOMNode::NodeType KindOf(const CMap& map) {
-  const auto* pEntities = As<xercesc::DOMDocumentType>(map.m_Holder).getEntities();
-  return pEntities == &map.m_Map ? DOMNode::ENTITY_NODE : DOMNode::NOTATION_NODE;
-}
-
-// The DOM would take any node, tear it out of its tree or leave it in two maps. Before
-// that it makes checks of its own.
-void CheckTypeItem(const CMap& map, const DOMNode& node, bool ownedIsRefused) {
-  CheckItem(map.m_Holder, node);
-  if (ownedIsRefused && IsOwned(node)) Refuse(DOMException::INUSE_ATTRIBUTE_ERR);
-  if (node.getNodeType() != KindOf(map)) Refuse(DOMException::HIERARCHY_REQUEST_ERR);
-  if (IsOwned(node) && map.m_Map.getNamedItem(node.getNodeName()) != &node) {
-    Refuse(DOMException::INUSE_ATTRIBUTE_ERR);
-  }
-}
-
-}  // namespace
-
-DOMNode* FindItemNS(const CMap& map, const XMLCh* pURI, const XMLCh* pLocalName) {
-  return *pLocalName != 0 ? map.m_Map.getNamedItemNS(pURI, pLocalName) : nullptr;
-}
-
-DOMNode* SetItem(const CMap& map, DOMNode& node) {
-  if (IsOfElement(map)) return SetInMap(As<DOMElement>(map.m_Holder), node);
-  CheckTypeItem(map, node, node.getNodeType() == DOMNode::ATTRIBUTE_NODE);
-  if (IsOwned(node)) return &node;
-  return map.m_Map.setNamedItem(&node);
-}
-
-// Items of a document type have no local name.
-DOMNode* SetItemNS(const CMap& map, DOMNode& node) {
-  if (IsOfElement(map)) return SetInMapNS(As<DOMElement>(map.m_Holder), node);
-  CheckTypeItem(map, node, true);
-  return map.m_Map.setNamedItem(&node);
-}
-
-DOMNode* RemoveItem(const CMap& map, const XMLCh* pName) {
-  DOMNode* pRemoved = map.m_Map.removeNamedItem(pName);
-  if (!IsOfElement(map)) DropEmptyBuckets(map.m_Map);
-  return pRemoved;
-}
-
-DOMNode* RemoveItemNS(const CMap& map, const XMLCh* pURI, const XMLCh* pLocalName) {
-  const DOMNode* pItem = FindItemNS(map, pURI, pLocalName);
-  if (pItem == nullptr) return RemoveItem(map, u"");
-  if (pItem->getLocalName() == nullptr) return RemoveItem(map, pItem->getNodeName());
-  return map.m_Map.removeNamedItemNS(pURI, pLocalName);
 }
 
 }  // namespace dom

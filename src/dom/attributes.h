@@ -1,4 +1,4 @@
-// Attributes of elements, and the items of the maps of a document type.
+// Attributes of elements.
 //
 // Each makes the DOM's checks with the DOM's codes in the DOM's order, and throws before
 // anything has changed; what it frees, the listener is told of first.
@@ -28,28 +28,12 @@ void RemoveAttributeNode(xercesc::DOMElement& element, DOMNode& node);
 DOMNode* SetAttributeNode(xercesc::DOMElement& element, DOMNode& node);
 DOMNode* SetAttributeNodeNS(xercesc::DOMElement& element, DOMNode& node);
 
+// The same as the DOM's map of the element's attributes does it: what is no attribute may
+// not stand there.
+DOMNode* SetInMap(xercesc::DOMElement& element, DOMNode& node);
+DOMNode* SetInMapNS(xercesc::DOMElement& element, DOMNode& node);
+
 // Sets the value of an attribute; the nodes that made the old one are freed.
 void SetValue(xercesc::DOMAttr& attribute, const XMLCh* pValue);
-
-// -- Maps -------------------------------------------------------------------------
-
-// A map of attributes, entities or notations and the node that it belongs to.
-struct CMap {
-  xercesc::DOMNamedNodeMap& m_Map;
-  DOMNode& m_Holder;
-};
-
-// To the DOM all items without a local name have the same one, and so has an empty name
-// that is asked for. Here they go by their whole name, and an empty one finds nothing.
-DOMNode* FindItemNS(const CMap& map, const XMLCh* pURI, const XMLCh* pLocalName);
-
-// As SetAttributeNode; the maps of a document type hold entities or notations only, and
-// none that another map holds.
-DOMNode* SetItem(const CMap& map, DOMNode& node);
-DOMNode* SetItemNS(const CMap& map, DOMNode& node);
-
-// Gives the item, which lives on and belongs to no map.
-DOMNode* RemoveItem(const CMap& map, const XMLCh* pName);
-DOMNode* RemoveItemNS(const CMap& map, const XMLCh* pURI, const XMLCh* pLocalName);
 
 }  // namespace dom

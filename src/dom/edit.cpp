@@ -4,6 +4,7 @@
 #include <string_view>
 #include <xercesc/util/XMLChar.hpp>
 
+#include "dom/checks.h"
 #include "dom/look.h"
 #include "dom/takentypes.h"
 
@@ -48,8 +49,6 @@ bool MayHold(const DOMNode& parent, const DOMNode& child) {
              ? xercesc::XMLChar1_1::isAllSpaces(text.data(), text.size())
              : xercesc::XMLChar1_0::isAllSpaces(text.data(), text.size());
 }
-
-[[noreturn]] void Refuse(short code) { throw DOMException(code); }
 
 bool Holds(const DOMNode& ancestor, const DOMNode* pBelow) {
   while (pBelow != nullptr && pBelow != &ancestor) pBelow = Parent(*pBelow);
@@ -177,7 +176,7 @@ bool IsOfSameDocument(const DOMNode& parent, const DOMNode& child) {
 }
 
 void CheckPlace(const DOMNode& parent, const DOMNode& newChild, const DOMNode* pReference) {
-  if (IsReadOnly(parent)) Refuse(DOMException::NO_MODIFICATION_ALLOWED_ERR);
+  RequireWritable(parent);
   if (!IsOfSameDocument(parent, newChild)) Refuse(DOMException::WRONG_DOCUMENT_ERR);
   if (FirstChild(newChild) != nullptr && Holds(newChild, Parent(parent))) {
     Refuse(DOMException::HIERARCHY_REQUEST_ERR);
@@ -258,7 +257,7 @@ void ReplaceChild(DOMNode& parent, DOMNode& newChild, DOMNode& oldChild) {
 
 void RemoveChild(DOMNode& parent, DOMNode& child) {
   RequireParent(parent, DOMException::NOT_FOUND_ERR);
-  if (IsReadOnly(parent)) Refuse(DOMException::NO_MODIFICATION_ALLOWED_ERR);
+  RequireWritable(parent);
   if (Parent(child) != &parent) Refuse(DOMException::NOT_FOUND_ERR);
   Detach(parent, child);
 }

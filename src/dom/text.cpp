@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "dom/attributes.h"
+#include "dom/checks.h"
 #include "dom/edit.h"
 #include "dom/look.h"
 
@@ -20,10 +21,6 @@ constexpr unsigned kContainers = Bit(DOMNode::ELEMENT_NODE) | Bit(DOMNode::ENTIT
                                  Bit(DOMNode::DOCUMENT_FRAGMENT_NODE);
 constexpr unsigned kWithoutText =
     Bit(DOMNode::DOCUMENT_NODE) | Bit(DOMNode::DOCUMENT_TYPE_NODE) | Bit(DOMNode::NOTATION_NODE);
-
-void RequireWritable(const DOMNode& node) {
-  if (IsReadOnly(node)) throw DOMException(DOMException::NO_MODIFICATION_ALLOWED_ERR);
-}
 
 bool IsText(const DOMNode& node) { return node.getNodeType() == DOMNode::TEXT_NODE; }
 
