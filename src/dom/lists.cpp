@@ -5,7 +5,6 @@
 
 #include "dom/look.h"
 
-using xercesc::DOMDocumentImpl;
 using xercesc::DOMNodeList;
 using xercesc::XMLString;
 

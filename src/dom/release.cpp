@@ -10,7 +10,6 @@
 
 using xercesc::DOMAttr;
 using xercesc::DOMDocument;
-using xercesc::DOMException;
 
 namespace dom {
 

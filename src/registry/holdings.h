@@ -3,8 +3,8 @@
 
 #include <absl/container/btree_set.h>
 
-#include <compare>
 #include <limits>
+#include <tuple>
 #include <xercesc/dom/DOM.hpp>
 
 // The ids of a registry's collections, found by the node that holds them and by the
@@ -29,18 +29,13 @@ class CHoldings {
   template <class Visit>
   void TakeOf(CTree pTree, Visit visit) noexcept {
     auto first = m_Set.lower_bound({pTree, nullptr, 0});
-    while (first != m_Set.end() && first->m_pTree == pTree) first = TakeOne(first, visit);
+    while (first != m_Set.end() && std::get<CTree>(*first) == pTree) first = TakeOne(first, visit);
   }
 
  private:
   static constexpr unsigned long kLastId = std::numeric_limits<unsigned long>::max();
 
-  struct CHolding {
-    CTree m_pTree;
-    CHolder m_pHolder;
-    unsigned long m_Id;
-    auto operator<=>(const CHolding&) const = default;
-  };
+  using CHolding = std::tuple<CTree, CHolder, unsigned long>;
   using CSet = absl::btree_set<CHolding>;
 
   template <class Visit>
@@ -51,7 +46,7 @@ class CHoldings {
 
   template <class Visit>
   CSet::iterator TakeOne(CSet::iterator at, Visit visit) noexcept {
-    visit(at->m_pHolder, at->m_Id);
+    visit(std::get<CHolder>(*at), std::get<unsigned long>(*at));
     return m_Set.erase(at);
   }
 
