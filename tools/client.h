@@ -16,7 +16,8 @@ inline constexpr int kLeftOpen = 3;  // see TESSEL_LEDGER in main.cpp
 
 struct CClient {
   bool m_NoExternal = false;  // no file but the named ones is read
-  bool m_Network = false;     // the network may be used
+  bool m_Network = false;     // documents may name anything, also by network
+  bool m_DTD = false;         // external document types are read
   std::function<int()> m_Run;
 };
 

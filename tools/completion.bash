@@ -31,7 +31,7 @@ _tessel() {
     fi
   done
   if [[ $word == -* ]]; then
-    COMPREPLY=($(compgen -W "--help --no-external --network $(_tessel_options "$command")
+    COMPREPLY=($(compgen -W "--help --no-external --network --dtd $(_tessel_options "$command")
       $([[ $command ]] || echo --version)" -- "$word"))
   elif [[ -z $command ]]; then
     COMPREPLY=($(compgen -W "$commands" -- "$word"))

@@ -11,6 +11,7 @@ void SetOptions(const CDocument& document, const CReadOptions& options) {
   Require(TSXSetDoSchema(id, 0, &options.m_Schema), "schemas");
   Require(TSXSetValidationSchemaFullChecking(id, 0, &options.m_FullChecking), "full checking");
   Require(TSXSetLoadExternalDTD(id, 0, &options.m_ExternalDTD), "external DTD");
+  Require(TSXSetExternalAccess(id, 0, &options.m_Access), "external access");
 }
 
 TSXStatus LoadInput(const CDocument& document, const CInput& input, CText& parseErrors,
@@ -60,7 +61,9 @@ std::string Load(const CDocument& document, const CInput& input, const CReadOpti
   if (status == 0) return {};
   CSourceLines source = SourceOf(input);
   std::string lines;
-  for (const CFault& fault : ParserFaults(input.Name(), parseErrors.View())) {
+  for (CFault& fault : ParserFaults(input.Name(), parseErrors.View())) {
+    const bool isRefused = fault.m_Message.find("' was refused: ") != std::string::npos;
+    if (isRefused && options.m_Access == 2) fault.m_Message += "; --network allows it";
     lines += FaultText(fault, source);
   }
   if (!exceptionText.IsNull()) lines += StatusLine(input.Name(), status, exceptionText.View());
@@ -72,7 +75,8 @@ CDocument ReadDocument(const std::string& file, const CClient& client, CReadOpti
 }
 
 CDocument ReadDocument(const CInput& input, const CClient& client, CReadOptions options) {
-  if (client.m_NoExternal) options.m_ExternalDTD = 0;
+  options.m_ExternalDTD = client.m_DTD ? 1 : 0;
+  options.m_Access = client.m_NoExternal ? 3 : client.m_Network ? 0 : 2;
   CDocument document = NewDocument();
   const std::string lines = Load(document, input, options);
   if (!lines.empty()) throw CFailure(lines);

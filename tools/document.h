@@ -13,6 +13,7 @@ struct CReadOptions {
   uint8_t m_Schema = 0;
   uint8_t m_FullChecking = 0;
   uint8_t m_ExternalDTD = 1;
+  int32_t m_Access = 2;  // as TSXSetExternalAccess takes it
 };
 
 // A document with nothing in it yet.

@@ -21,7 +21,10 @@ void AddAll(CLI::App& app, CClient& client) {
   app.add_flag("--no-external", client.m_NoExternal,
                "Read no file but those named here: no external DTD, entity or schema");
   app.add_flag("--network", client.m_Network,
-               "Let documents refer to the network (http, https, ftp), which is refused otherwise");
+               "Let documents name any file and the network (http, https, ftp), and not only\n"
+               "regular files in their own folder and below");
+  app.add_flag("--dtd", client.m_DTD,
+               "Read the DTD that a document names, which is passed over otherwise");
   AddTree(app, client);
   AddFormat(app, client);
   AddCheck(app, client);

@@ -66,7 +66,8 @@ TSX_API TSXStatus TSXLoadFile(TSXRefId document, HostPath path, HStr* parseError
 
 /* As TSXLoadFile, from XML text: bytes in whatever encoding the text declares, up
  * to the first NUL byte. Text in UTF-16 or UTF-32 holds NUL bytes and comes from
- * a file. Relative references resolve against "LoadXMLString".
+ * a file. Relative references resolve against "LoadXMLString", and what may be
+ * read at all is said by TSXSetExternalAccess.
  *   domErrRefDocument   no document object
  *   domErrParse, domErrUnexpected */
 TSX_API TSXStatus TSXLoadString(TSXRefId document, HStr* xmlText, HStr* parseErrors,

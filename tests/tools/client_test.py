@@ -176,7 +176,9 @@ CASES = [
 """),
     Case("tree --no-attributes text.xml", 0, '0 document\n1   element t\n2     text "1"\n'),
     # A relative reference from standard input is one from the working directory.
-    Case("query --text - a", 0, "from the file\n", stdin="external.xml"),
+    Case("query --text - a", 1, stdin="external.xml",
+         err=re.compile("-:2:.*'text.ent' was refused: .*; --network allows it\n")),
+    Case("--network query --text - a", 0, "from the file\n", stdin="external.xml"),
     # What cannot be read.
     Case("tree broken.xml", 1, err=BROKEN.format("broken.xml")),
     Case("tree -", 1, err=BROKEN.format("-"), stdin="broken.xml"),
@@ -664,7 +666,8 @@ class ClientTest(unittest.TestCase):
             file.write(f'<!DOCTYPE a [<!ENTITY e SYSTEM "{url}">]>\n<a>&e;</a>')
         refused = self.run_client("query --text net.xml a")
         self.assertEqual((1, b"", []), (refused.returncode, refused.stdout, requests))
-        self.assertRegex(refused.stderr.decode(), f"\\Anet\\.xml:2:\\d+: .*'{url}'\n\\Z")
+        self.assertRegex(refused.stderr.decode(), f"\\Anet\\.xml:2:\\d+: .*'{url}' was refused: "
+                         "nothing may be read by network; --network allows it\n\\Z")
         allowed = self.run_client("--network query --text net.xml a")
         self.assertEqual((0, b"from the file\n", ["/text.ent"]),
                          (allowed.returncode, allowed.stdout, requests))
@@ -676,7 +679,7 @@ class ClientTest(unittest.TestCase):
         self.assertEqual((0, b""), (result.returncode, result.stderr))
         saved = self.run_client("format --no-external -o kinds.xml kinds.xml")
         self.assertEqual((0, b""), (saved.returncode, saved.stderr))
-        for args, line in (("tree external.xml", r"external\.xml:2:\d+: .*text\.ent'"),
+        for args, line in (("tree external.xml", r"external\.xml:2:\d+: .*text\.ent' was .*"),
                            ("check --schema number.xml", r"number\.xml:1:\d+: .*")):
             refused = self.run_client("--no-external " + args)
             self.assertEqual((1, b""), (refused.returncode, refused.stdout))
