@@ -238,11 +238,11 @@ class CEdits {
     DOMNode& node = Choose();
     const bool byNamespace = m_Bytes.Byte() % 2 == 0;
     if (pElement == nullptr) return;
-    const bool isAttribute = node.getNodeType() == DOMNode::ATTRIBUTE_NODE;
     // The DOM marks as free what it sets again, and takes one nameless attribute for
-    // another. It asks any node for what only attributes have.
-    if (isAttribute && dom::ParentOrElement(node) == pElement) return;
-    if (byNamespace && (!isAttribute || node.getLocalName() == nullptr)) return;
+    // another.
+    if (node.getNodeType() != DOMNode::ATTRIBUTE_NODE) return;
+    if (dom::ParentOrElement(node) == pElement) return;
+    if (byNamespace && node.getLocalName() == nullptr) return;
     auto& theirs = static_cast<DOMAttr&>(Twin(node));
     Both(
         "set attribute node",

@@ -14,7 +14,6 @@
 #include "host/text.h"
 
 using xercesc::BinInputStream;
-using xercesc::XMLPlatformUtils;
 using xercesc::XMLString;
 using xercesc::XMLURL;
 
@@ -153,7 +152,7 @@ class CWatchedStream final : public BinInputStream {
   }
 
  private:
-  static constexpr XMLSize_t kHead = 48 * 1024;  // as much as a reader asks for
+  static constexpr XMLSize_t kHead = XMLSize_t{48} * 1024;  // as much as a reader asks for
 
   XMLSize_t Next(XMLByte* pBytes, XMLSize_t most) {
     if (m_pHead == nullptr) return m_pStream->readBytes(pBytes, most);
