@@ -93,42 +93,61 @@ TSX_API TSXStatus TSXElementSetXML(TSXRefId element, HStr* xmlText, HStr* parseE
 
 /* Writes a node with all below it as XML text, in the encoding of its document,
  * and copies it to *xmlOut in one step: bytes in that encoding, not in the local
- * code page. A document id writes the XML declaration too. The deepest tree that
- * is written depends on the calling thread's stack: 1,300 levels on 256 KB, 57,000 on
- * 8 MB, for files too.
+ * code page, and without a byte order mark. A document id writes the XML declaration
+ * too. A tree of any depth is written.
+ *
+ * What is written can be read again and means the same:
+ *   A character that the encoding lacks is a reference in text, values, and the values
+ *   that the internal subset declares; a CDATA section is split for it, for a carriage
+ *   return and for "]]>".
+ *   The internal subset stands as it was read. Attributes with their default value are
+ *   left out, and the entity references of the tree are references.
+ *   A prefix that an element or attribute uses is declared there unless it is already;
+ *   one that the tree binds to two namespaces at once is exchanged for another. Nodes
+ *   made without namespaces are written as they are named.
+ *
+ * Refused is what no parser takes: a comment with "--" inside or a hyphen at its end,
+ * an instruction's data with "?>" or with the target "xml", characters that the
+ * document's version of XML does not have, identifiers with both kinds of quotes, two
+ * attributes of one name, a notation alone. A carriage return in a comment or an
+ * instruction is read again as a line feed. Not looked at is whether a document has
+ * one root and whether references name an entity.
  *   domErrRefGetXMLCommon   no node; *xmlOut is cleared
- *   domErrSerialize         the writer raised, or the tree is too deep; *xmlOut is
- *                           left alone, as below
- *   domErrInvalidCharacter  the writer could not write the node: an encoding that
- *                           nobody knows, or an attribute, which is no XML alone
- *   domErrUnexpected        no writer could be made
+ *   domErrSerialize         the text would not be well-formed, or there is no memory
+ *                           for it; *xmlOut is left alone, as below
+ *   domErrInvalidCharacter  an encoding that nobody knows, or one that lacks a
+ *                           character where no reference can stand: in a name, a
+ *                           comment, an instruction, an identifier
  *   host code               the host refused the string */
 TSX_API TSXStatus TSIGetXMLCommon(TSXRefId node, HStr* xmlOut, bool prettyPrint);
 
 /* TSIGetXMLCommon as the tree stands. */
 TSX_API TSXStatus TSXGetXML(TSXRefId node, HStr* xmlOut);
 
-/* TSIGetXMLCommon with line breaks and indentation between elements. */
+/* TSIGetXMLCommon with each node on a line of its own, two blanks deeper than its
+ * parent. White space is added, and white space of the tree replaced, only between the
+ * children of an element that has elements among them and no text, CDATA section or
+ * reference with more than white space; nowhere inside one that has; and nowhere under
+ * xml:space="preserve". Pretty text that is read and written once more stays as it is. */
 TSX_API TSXStatus TSXGetXMLPP(TSXRefId node, HStr* xmlOut);
 
-/* Writes a document to a file, which is created or truncated first; it may be the
- * one that the document was loaded from. What a failure leaves on the disk:
- *   the file could not be opened, or the tree is too deep  the file as it was
- *   an encoding that nobody knows                          an empty file
- *   a full disk, or a problem with the document            the beginning of the text
+/* Writes a document to a file, which is created, or truncated when the whole text is
+ * made; it may be the one that the document was loaded from. What a failure leaves on
+ * the disk:
+ *   the document cannot be written           the file as it was
+ *   the file could not be opened             the file as it was
+ *   a full disk, or a process that is ended  the beginning of the text
  * So write beside the target and rename where the old content matters. Nothing is
  * forced to the disk. After any failure *errorText is "Failed to write file"; on
- * success it is left alone. Should the writer refuse without a message, the status
- * is 0 all the same and *errorText is the only sign.
+ * success it is left alone.
  *   domErrRefSaveFilePP  no document object; *errorText is left alone
  *   domErrPathSaveFile   not a path, or an empty one; *errorText is left alone
- *   domErrSaveFile       the file could not be opened or written, the tree is too
- *                        deep, or the writer reported a problem, as of an encoding
- *                        nobody knows
+ *   domErrSaveFile       the file could not be opened or written, or TSXGetXML would
+ *                        refuse the document
  *   2                    the host refused the native path; nothing was written */
 TSX_API TSXStatus TSXSaveFile(TSXRefId document, HostPath path, HStr* errorText);
 
-/* TSXSaveFile with line breaks and indentation between elements. */
+/* TSXSaveFile with the text of TSXGetXMLPP. */
 TSX_API TSXStatus TSXSaveFilePP(TSXRefId document, HostPath path, HStr* errorText);
 
 /* -- Encoding ------------------------------------------------------------- */

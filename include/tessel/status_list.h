@@ -72,8 +72,8 @@
     "the qualified name or prefix does not fit the namespace URI", \
     "give a prefixed name a namespace URI, and keep xml and xmlns for their own URIs") \
   X(-2616, domErrSerialize, "TSIGetXMLCommon, TSXGetXML, TSXGetXMLPP", \
-    "the writer failed while it wrote the node", \
-    "look for content that XML cannot hold, such as a CDATA section with its own end mark") \
+    "the text of the node would be no XML", \
+    "look for content that XML cannot hold, such as a comment with two hyphens") \
   X(-2625, domErrSaveFile, "TSXSaveFile, TSXSaveFilePP", "the file could not be written", \
     "check the folder, the permissions, the free space and the document's encoding") \
   X(-2626, domErrRefDocument, \
@@ -86,7 +86,7 @@
     "show the lines in parseErrors and the text in exceptionText") \
   X(-2629, domErrUnexpected, \
     "every function that guards a call into the libraries below: loading, element replacement, " \
-    "the XML getters, TSXCreateDocument, the creators but those of text, comment and fragment, " \
+    "TSXCreateDocument, the creators but those of text, comment and fragment, " \
     "TSXImportNode, the setters and removers of strings, character data, attributes and " \
     "children, TSXSplitText, the collection functions but the close functions, XPath " \
     "evaluation", "a failure that the function has no code of its own for", \

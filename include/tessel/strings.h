@@ -101,8 +101,9 @@ TSX_API TSXStatus TSXGetDocTypePublicID(TSXRefId documentType, uint64_t ignored,
  * domErrRefGetDocTypeSystemID. */
 TSX_API TSXStatus TSXGetDocTypeSystemID(TSXRefId documentType, uint64_t ignored, HStr* idOut);
 
-/* Gives the declarations between the brackets of a document type as text, none
- * where there are no brackets. domErrRefGetInternalSubset. */
+/* Gives the text between the brackets of a document type, none where there are no
+ * brackets: character for character as it was read, line ends as line feeds, whatever
+ * the tree has become since. domErrRefGetInternalSubset. */
 TSX_API TSXStatus TSXGetInternalSubset(TSXRefId documentType, uint64_t ignored, HStr* subsetOut);
 
 /* Gives the public id of a notation, none where it has none.

@@ -49,7 +49,6 @@ void CTreeParser::Parse(const Source& source) {
   m_Prefixes.Begin();
   m_Names.Begin();
   m_Level = 0;
-  m_IsInternal = false;
   m_Listed.clear();
   m_IsListed.clear();
   m_Resolver.Lost().Free();
@@ -59,13 +58,13 @@ void CTreeParser::Parse(const Source& source) {
 
 void CTreeParser::ParseLimited(const xercesc::InputSource& text) {
   Policy().SetDocument("");
-  Parse(text);
+  Parse(*m_Subset.Watch(text));
 }
 
 // That there is no current folder is for the parser to say.
 void CTreeParser::ParseLimited(const char* pName) {
   const auto pSource = m_Resolver.Document(pName);
-  if (pSource != nullptr) return Parse(*pSource);
+  if (pSource != nullptr) return Parse(*m_Subset.Watch(*pSource));
   Parse(pName);
 }
 
@@ -110,13 +109,13 @@ void CTreeParser::NeedRoom(XMLSize_t names) {
   dom::NeedIds(*getDocument(), names);
 }
 
-void CTreeParser::startIntSubset() {
-  m_IsInternal = true;
-  XercesDOMParser::startIntSubset();
-}
-
+// The text that the base has built gives way to the one that was read.
 void CTreeParser::endIntSubset() {
-  m_IsInternal = false;
+  const xercesc::XMLScanner& scanner = *getScanner();
+  const std::u16string text =
+      m_Subset.Read(*scanner.getReaderMgr()->getCurrentReader(), scanner.getXMLVersion());
+  m_Subset.Stop();
+  fInternalSubset.set(text.c_str(), text.size());
   XercesDOMParser::endIntSubset();
   MakeDefaults();
 }
@@ -143,10 +142,8 @@ void CTreeParser::notationDecl(const xercesc::XMLNotationDecl& declaration, bool
   XercesDOMParser::notationDecl(declaration, isIgnored);
 }
 
-// The base makes all defaults of the element anew, which once is enough: all that is left
-// to do here is the text of the subset.
+// The base makes all defaults of the element anew, which once is enough.
 void CTreeParser::endAttList(const xercesc::DTDElementDecl& declaration) {
-  if (m_IsInternal) fInternalSubset.append(u'>');
   if (m_IsListed.insert(&declaration).second) m_Listed.push_back(&declaration);
 }
 
@@ -171,6 +168,7 @@ void CTreeParser::startElement(const xercesc::XMLElementDecl& declaration, unsig
     m_Prefixes.Enter(*getScanner(), pPrefix, attributes, attributeCount);
   }
   if (m_Level != 0) GoDeeper();
+  if (isRoot) m_Subset.Stop();
   XercesDOMParser::startElement(declaration, uri, pPrefix, attributes, attributeCount, isEmpty,
                                 isRoot);
 }

@@ -10,6 +10,7 @@
 #include "document/externalresolver.h"
 #include "document/loadstop.h"
 #include "document/prefixscope.h"
+#include "document/subsetcapture.h"
 #include "dom/hashroom.h"
 
 // Ends in a fatal error, before it happens, what would fill the memory or the stack, and
@@ -44,7 +45,6 @@ class CTreeParser final : public xercesc::XercesDOMParser {
   xercesc::InputSource* resolveEntity(xercesc::XMLResourceIdentifier* pResource) override;
   void startExtSubset() override;
   void endExtSubset() override;
-  void startIntSubset() override;
   void endIntSubset() override;
   void attDef(const xercesc::DTDElementDecl& element, const xercesc::DTDAttDef& attribute,
               bool isIgnored) override;
@@ -70,8 +70,8 @@ class CTreeParser final : public xercesc::XercesDOMParser {
   CExternalResolver m_Resolver;
   CPrefixScope m_Prefixes;
   dom::CNameRoom m_Names;
-  std::size_t m_Level = 0;    // inside the outermost reference, 0 for outside
-  bool m_IsInternal = false;  // the internal subset is read
+  CSubsetCapture m_Subset;
+  std::size_t m_Level = 0;  // inside the outermost reference, 0 for outside
   // Elements whose defaults wait for the end of the subset.
   std::vector<const xercesc::DTDElementDecl*> m_Listed;
   std::unordered_set<const xercesc::DTDElementDecl*> m_IsListed;

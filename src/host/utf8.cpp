@@ -139,6 +139,21 @@ void Encode(const XMLCh* pText, std::size_t count, unsigned char* pTo) {
   }
 }
 
+unsigned char* EncodeCode(char32_t code, unsigned char* pTo) {
+  if (code < kAsciiEnd) {
+    *pTo++ = static_cast<unsigned char>(code);
+  } else {
+    AppendCode(pTo, code);
+  }
+  return pTo;
+}
+
+std::size_t ToUnits(char32_t code, XMLCh* pTo) {
+  const XMLCh* const pStart = pTo;
+  AppendUnits(pTo, code);
+  return static_cast<std::size_t>(pTo - pStart);
+}
+
 std::optional<std::size_t> Decode(const unsigned char* pBytes, std::size_t count, XMLCh* pTo) {
   const unsigned char* const pEnd = pBytes + count;
   const XMLCh* const pStart = pTo;

@@ -23,6 +23,12 @@ std::optional<std::size_t> EncodedSize(const XMLCh* pText, std::size_t count);
 // Writes as many bytes as EncodedSize gave.
 void Encode(const XMLCh* pText, std::size_t count, unsigned char* pTo);
 
+// Writes the bytes of one code, at most four, and gives the end of them.
+unsigned char* EncodeCode(char32_t code, unsigned char* pTo);
+
+// Writes the one or two units of a code and gives their number.
+std::size_t ToUnits(char32_t code, XMLCh* pTo);
+
 // Writes at most `count` units and gives their number; nothing where the bytes are
 // not UTF-8.
 std::optional<std::size_t> Decode(const unsigned char* pBytes, std::size_t count, XMLCh* pTo);

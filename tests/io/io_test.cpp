@@ -95,13 +95,13 @@ TEST_F(Io, ReporterKeepsExactLines) {
 // The reporter alone still knows what the writer said when a save fails.
 TEST_F(Io, ReporterKeepsTheWritersLastProblem) {
   CDoc doc("<r/>");
-  CText data("a]]>b"), errorText;
-  const support::CPath path("cdata.xml");
-  ASSERT_EQ(TSXAppendChild(doc.Root(), IdOf(TSXCreateCDATASection, doc.Id(), &data)), 0);
+  CText data("a--b"), errorText;
+  const support::CPath path("comment.xml");
+  ASSERT_EQ(TSXAppendChild(doc.Root(), IdOf(TSXCreateComment, doc.Id(), &data)), 0);
   EXPECT_EQ(TSXSaveFile(doc.Id(), path.Get(), &errorText), domErrSaveFile);
   const DOMTreeErrorReporter& reporter = *FindObject<CXercesDOM>(doc.Id())->m_pErrorReporter;
-  EXPECT_EQ(reporter.getDOMEHCode(), 1) << "a warning";
-  EXPECT_STREQ(reporter.getDOMError(), "nested CDATA sections");
+  EXPECT_EQ(reporter.getDOMEHCode(), xercesc::DOMError::DOM_SEVERITY_FATAL_ERROR);
+  EXPECT_STREQ(reporter.getDOMError(), "a comment has two hyphens, or one at its end");
 }
 
 class CSilentReporter : public DOMTreeErrorReporter {

@@ -187,7 +187,7 @@ CASES = [
     # Writing back.
     Case("format cat.xml", 0, HEAD + CATALOGUE.split("?>\n", 1)[1].replace("\n", "", 1)),
     Case("format --pretty nested.xml", 0,
-         HEAD + "\n<r>\n\n  <a>1\n    <a>2</a>\n  </a>\n\n  <b/>\n\n</r>\n"),
+         HEAD + "\n<r>\n  <a>1<a>2</a></a>\n  <b/>\n</r>\n"),
     Case("format --encoding ISO-8859-1 latin1.xml", 0,
          (HEAD.replace("UTF-8", "ISO-8859-1")
           + FILES["latin1.xml"].decode("latin-1").split("?>\n", 1)[1].replace("\n", "", 1))

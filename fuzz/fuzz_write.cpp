@@ -1,0 +1,165 @@
+// An XML text that loads is written, read again and compared: the same tree, the same
+// bytes the next time, and those of the XML library's own writer where that one's text
+// comes back as the same tree.
+#include <unistd.h>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <xercesc/framework/MemBufFormatTarget.hpp>
+
+#include "document/xercesdom.h"
+#include "harness.h"
+#include "host/domowner.h"
+#include "registry/globals.h"
+#include "support/snapshot.h"
+
+namespace {
+
+using support::ETold;
+
+// How an input is read and written.
+struct COptions {
+  explicit COptions(uint8_t bits)
+      : m_HasNamespaces((bits & 1) != 0), m_IsPretty((bits & 2) != 0), m_IsFile((bits & 4) != 0) {
+    constexpr const char* kEncodings[] = {"",          "UTF-8",          "UTF-16",  "UTF-16BE",
+                                          "US-ASCII",  "ISO-8859-1",     "GB18030", "windows-1251",
+                                          "Shift_JIS", "ISO-10646-UCS-4"};
+    m_Encoding = kEncodings[(bits >> 3) % std::size(kEncodings)];
+  }
+  // Has every character, so that nothing may be refused.
+  bool IsUnicode() const {
+    return m_Encoding.empty() || m_Encoding.starts_with("U") || m_Encoding.starts_with("ISO-1");
+  }
+  ETold Told() const {
+    if (m_IsPretty) return ETold::kLayout;
+    return IsUnicode() ? ETold::kAll : ETold::kRuns;
+  }
+
+  bool m_HasNamespaces, m_IsPretty, m_IsFile;
+  std::string m_Encoding;
+};
+
+// A file that text goes through, since a string ends at a NUL byte.
+class CFile {
+ public:
+  CFile() : m_Path(StandinPathFromText(Name().c_str())) {}
+  ~CFile() { StandinPathDispose(m_Path); }
+  CFile(const CFile&) = delete;
+  CFile& operator=(const CFile&) = delete;
+
+  HostPath Get() const { return m_Path; }
+  static void Write(std::string_view text) { std::ofstream(Name(), std::ios::binary) << text; }
+  static std::string Read() {
+    std::ifstream in(Name(), std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+
+ private:
+  static std::string Name() {
+    return std::filesystem::temp_directory_path() /
+           ("tessel_fuzz_write_" + std::to_string(getpid()));
+  }
+  HostPath m_Path;
+};
+
+class CLoaded {
+ public:
+  CLoaded(std::string_view xml, const COptions& options) {
+    const uint8_t namespaces = options.m_HasNamespaces ? 1 : 0, externalDTD = 0;
+    TSXSetDoNamespaces(m_Doc.Id(), 0, &namespaces);
+    TSXSetLoadExternalDTD(m_Doc.Id(), 0, &externalDTD);
+    m_IsGood =
+        (options.m_IsFile || xml.find('\0') != xml.npos ? LoadFile(xml) : m_Doc.Load(xml)) == 0;
+    // The tree goes with the next load.
+    m_pTree = static_cast<CXercesDOM*>(g_NodeSessMap.GetPtrBySess(m_Doc.Id()))->m_pDoc;
+  }
+
+  bool IsGood() const { return m_IsGood; }
+  TSXRefId Id() const { return m_Doc.Id(); }
+  const xercesc::DOMDocument& Tree() const { return *m_pTree; }
+  std::string Seen(const COptions& options) const { return Snapshot(*m_pTree, options.Told()); }
+
+ private:
+  TSXStatus LoadFile(std::string_view xml) const {
+    const CFile file;
+    fuzz::CText errors, exception;
+    CFile::Write(xml);
+    return TSXLoadFile(m_Doc.Id(), file.Get(), errors.Out(), exception.Out());
+  }
+
+  fuzz::CDoc m_Doc;
+  bool m_IsGood = false;
+  const xercesc::DOMDocument* m_pTree = nullptr;
+};
+
+std::string Bytes(HStr handle) {
+  if (handle == nullptr) return {};
+  return {reinterpret_cast<const char*>((*handle)->bytes), static_cast<size_t>((*handle)->count)};
+}
+
+// Nothing where the encoding lacks a character.
+bool IsWritten(TSXRefId document, const COptions& options, std::string& text) {
+  fuzz::CText xml, error;
+  TSXStatus status = TSIGetXMLCommon(document, xml.Out(), options.m_IsPretty);
+  text = Bytes(*xml.Out());
+  if (status != 0 && (options.IsUnicode() || status != domErrInvalidCharacter)) {
+    fuzz::Fail("writing gave " + std::to_string(status));
+  }
+  if (options.m_IsFile) {
+    const CFile file;
+    CFile::Write("old");
+    const auto save = options.m_IsPretty ? TSXSaveFilePP : TSXSaveFile;
+    const TSXStatus saved = save(document, file.Get(), error.Out());
+    if ((saved == 0) != (status == 0)) fuzz::Fail("the save gave " + std::to_string(saved));
+    if (CFile::Read() != (status == 0 ? text : "old")) fuzz::Fail("the file has another text");
+  }
+  return status == 0;
+}
+
+void RequireEqual(const std::string& got, const std::string& wanted, const char* pWhat) {
+  if (got != wanted)
+    fuzz::Fail(std::string(pWhat) + "\n--- got\n" + got + "\n--- wanted\n" + wanted);
+}
+
+// What the XML library's own writer makes of it; empty where it gives up.
+std::string ByXerces(const xercesc::DOMDocument& document) {
+  auto* pImplementation = document.getImplementation();
+  CDOMOwner<xercesc::DOMLSSerializer> serializer(pImplementation->createLSSerializer());
+  CDOMOwner<xercesc::DOMLSOutput> output(pImplementation->createLSOutput());
+  xercesc::MemBufFormatTarget target;
+  output->setByteStream(&target);
+  output->setEncoding(document.getXmlEncoding());
+  try {
+    if (!serializer->write(&document, output.get())) return {};
+  } catch (const xercesc::DOMException&) {
+    return {};
+  }
+  return {reinterpret_cast<const char*>(target.getRawBuffer()), target.getLen()};
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t size) {
+  fuzz::CBytes bytes(pData, size);
+  const COptions options(bytes.Byte());
+  const std::string_view xml = bytes.Rest();
+  if (!fuzz::IsTame(xml)) return 0;
+  fuzz::CLedger ledger;
+  const CLoaded first(xml, options);
+  if (!first.IsGood()) return 0;
+  const std::string seen = first.Seen(options);
+  fuzz::CText encoding(options.m_Encoding);
+  if (!options.m_Encoding.empty()) TSXSetEncoding(first.Id(), 0, encoding.Out());
+  std::string text, again;
+  if (!IsWritten(first.Id(), options, text)) return 0;
+  const CLoaded second(text, options);
+  if (!second.IsGood()) fuzz::Fail("what was written cannot be read\n" + text);
+  RequireEqual(second.Seen(options), seen, "another tree");
+  if (!IsWritten(second.Id(), options, again)) fuzz::Fail("written once, and not again");
+  RequireEqual(again, text, "another text");
+  if (options.m_IsPretty) return 0;
+  const std::string theirs = ByXerces(first.Tree());
+  const CLoaded third(theirs, options);
+  if (third.IsGood() && third.Seen(options) == seen) RequireEqual(text, theirs, "other bytes");
+  return 0;
+}

@@ -1,0 +1,165 @@
+#include "support/snapshot.h"
+
+#include <utility>
+#include <xercesc/util/XMLString.hpp>
+
+namespace support {
+
+namespace {
+
+using xercesc::DOMAttr;
+using xercesc::DOMDocument;
+using xercesc::DOMDocumentType;
+using xercesc::DOMElement;
+using xercesc::DOMEntity;
+using xercesc::DOMNamedNodeMap;
+using xercesc::DOMNode;
+using xercesc::DOMNotation;
+
+// Printable, and different for each text.
+std::string Told(const XMLCh* pText) {
+  if (pText == nullptr) return "-";
+  std::string told = "'";
+  for (; *pText != 0; ++pText) {
+    const bool isPlain = *pText >= 0x20 && *pText < 0x7F && *pText != '\\' && *pText != '\'';
+    told +=
+        isPlain ? std::string(1, static_cast<char>(*pText)) : "\\" + std::to_string(*pText) + ";";
+  }
+  return told + "'";
+}
+
+bool IsSpace(const DOMNode& text) {
+  const XMLCh* pText = text.getNodeValue();
+  while (xercesc::XMLString::indexOf(u" \t\r\n", *pText) >= 0 && *pText != 0) ++pText;
+  return *pText == 0;
+}
+
+bool IsText(const DOMNode& node) {
+  return node.getNodeType() == DOMNode::TEXT_NODE ||
+         node.getNodeType() == DOMNode::CDATA_SECTION_NODE;
+}
+
+bool HasElementsAlone(const DOMNode& parent) {
+  bool hasElement = false;
+  for (const DOMNode* p = parent.getFirstChild(); p != nullptr; p = p->getNextSibling()) {
+    if (IsText(*p) && !IsSpace(*p)) return false;
+    hasElement |= p->getNodeType() == DOMNode::ELEMENT_NODE;
+  }
+  return hasElement;
+}
+
+class CTeller {
+ public:
+  explicit CTeller(ETold told) : m_Told(told) {}
+
+  void Tell(const DOMNode& root) {
+    Begin(root);
+    const DOMNode* pNode = root.getFirstChild();
+    for (size_t level = 1; pNode != nullptr; pNode = Next(pNode, root, level)) {
+      m_Indent = level;
+      Begin(*pNode);
+    }
+    EndRun();
+  }
+  const std::string& Text() {
+    EndRun();
+    return m_Text;
+  }
+
+ private:
+  static const DOMNode* Next(const DOMNode* pNode, const DOMNode& root, size_t& level) {
+    if (const DOMNode* pChild = pNode->getFirstChild()) {
+      ++level;
+      return pChild;
+    }
+    while (pNode != &root && pNode->getNextSibling() == nullptr) {
+      pNode = pNode->getParentNode();
+      --level;
+    }
+    return pNode == &root ? nullptr : pNode->getNextSibling();
+  }
+
+  void Line(const std::string& text) {
+    EndRun();
+    m_Text += std::string(m_Indent, ' ') + text + "\n";
+  }
+  // A run of text that is told as one.
+  void EndRun() {
+    if (m_Run.empty()) return;
+    const std::u16string run = std::exchange(m_Run, {});
+    Line("text " + Told(run.c_str()));
+  }
+
+  void Begin(const DOMNode& node) {
+    if (IsText(node)) return TellText(node);
+    Line(std::to_string(node.getNodeType()) + " " + Told(node.getNodeName()) + " " +
+         Told(node.getNamespaceURI()) + " " + Told(node.getNodeValue()));
+    if (node.getNodeType() == DOMNode::ELEMENT_NODE) {
+      const DOMNamedNodeMap& attributes = *node.getAttributes();
+      for (XMLSize_t i = 0; i < attributes.getLength(); ++i) TellAttribute(*attributes.item(i));
+    } else if (node.getNodeType() == DOMNode::DOCUMENT_NODE) {
+      const auto& document = static_cast<const DOMDocument&>(node);
+      const bool isXml11 = xercesc::XMLString::equals(document.getXmlVersion(), u"1.1");
+      Line((isXml11 ? "1.1 " : "1.0 ") + std::to_string(document.getXmlStandalone()));
+    } else if (node.getNodeType() == DOMNode::DOCUMENT_TYPE_NODE) {
+      TellType(static_cast<const DOMDocumentType&>(node));
+    }
+  }
+
+  void TellText(const DOMNode& node) {
+    if (m_Told == ETold::kRuns) {
+      m_Run += node.getNodeValue();
+      return;
+    }
+    const bool isLayout = m_Told == ETold::kLayout && node.getNodeType() == DOMNode::TEXT_NODE &&
+                          node.getParentNode() != nullptr && IsSpace(node) &&
+                          HasElementsAlone(*node.getParentNode());
+    if (!isLayout) Line(std::to_string(node.getNodeType()) + " " + Told(node.getNodeValue()));
+  }
+
+  void TellAttribute(const DOMNode& node) {
+    const auto& attribute = static_cast<const DOMAttr&>(node);
+    Line("@" + Told(attribute.getNodeName()) + " " + Told(attribute.getNamespaceURI()) + " " +
+         Told(attribute.getNodeValue()) + (attribute.getSpecified() ? "" : " default"));
+    for (const DOMNode* p = attribute.getFirstChild(); p != nullptr; p = p->getNextSibling()) {
+      if (p->getNodeType() != DOMNode::TEXT_NODE) Line("  &" + Told(p->getNodeName()));
+    }
+  }
+
+  void TellType(const DOMDocumentType& type) {
+    // An empty one is as good as none.
+    std::string line = "type";
+    for (const XMLCh* p : {type.getPublicId(), type.getSystemId(), type.getInternalSubset()}) {
+      line += " " + Told(p != nullptr ? p : u"");
+    }
+    Line(line);
+    for (XMLSize_t i = 0; i < type.getEntities()->getLength(); ++i) {
+      const auto& entity = static_cast<const DOMEntity&>(*type.getEntities()->item(i));
+      Line("entity " + Told(entity.getPublicId()) + " " + Told(entity.getSystemId()) + " " +
+           Told(entity.getNotationName()));
+      CTeller content(m_Told);
+      content.Tell(entity);
+      m_Text += content.Text();
+    }
+    for (XMLSize_t i = 0; i < type.getNotations()->getLength(); ++i) {
+      const auto& notation = static_cast<const DOMNotation&>(*type.getNotations()->item(i));
+      Line("notation " + Told(notation.getNodeName()) + " " + Told(notation.getPublicId()) + " " +
+           Told(notation.getSystemId()));
+    }
+  }
+
+  ETold m_Told;
+  size_t m_Indent = 0;
+  std::u16string m_Run;
+  std::string m_Text;
+};
+
+}  // namespace
+
+std::string Snapshot(const DOMNode& root, ETold told) {
+  CTeller teller(told);
+  teller.Tell(root);
+  return teller.Text();
+}
+
+}  // namespace support
