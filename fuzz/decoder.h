@@ -134,6 +134,7 @@ class CCall {
   bool HoldsOut() const {
     if (m_IdOut == kOldId || m_Flag == kOldFlag || m_Number == kOldNumber) return true;
     if (m_Amount == kOldNumber) return true;
+    if (m_Real == kOldNumber) return true;
     if (m_Array.IsThere()) return true;
     return kEndsInString && OnlyReads(m_Row) && *m_Strings.back()->Out() != nullptr;
   }
@@ -153,6 +154,9 @@ class CCall {
     } else if constexpr (std::is_same_v<T, GenericRefObjSessionArray*>) {
       m_Array.MakeEmpty();
       return m_Array.Out();
+    } else if constexpr (std::is_same_v<T, double*>) {
+      m_Real = kOldNumber;
+      return &m_Real;
     } else if constexpr (std::is_same_v<T, int32_t>) {
       return Number();
     } else if constexpr (std::is_same_v<T, bool>) {
@@ -190,6 +194,7 @@ class CCall {
   uint8_t m_Flag = 0;
   int32_t m_Number = 0;
   int64_t m_Amount = 0;
+  double m_Real = 0;
   HostPath m_Path = nullptr;
   std::vector<std::unique_ptr<CText>> m_Strings;
 };

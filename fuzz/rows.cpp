@@ -213,6 +213,11 @@ const std::vector<CRow>& Rows() {
       {"TSXCreateDocumentType", Run<TSXCreateDocumentType>, domErrRefCreateDocumentType, 0, Gives::kFreshNode, Ends::kNone, Registry::kImplementation},
       {"XPathEvaluateContextToNode", Run<XPathEvaluateContextToNode>, domErrXPathContext, kAnyNode, Gives::kNode, Ends::kNone, Registry::kNode, Strings::kPaths},
       {"XPathEvaluateContextToNodeArray", Run<XPathEvaluateContextToNodeArray>, domErrXPathContext, kAnyNode, Gives::kNode, Ends::kNone, Registry::kNode, Strings::kPaths},
+      {"XPathEvaluateContextToString", Run<XPathEvaluateContextToString>, domErrXPathContext, kAnyNode, Gives::kNode, Ends::kNone, Registry::kNode, Strings::kPaths},
+      {"XPathEvaluateContextToNumber", Run<XPathEvaluateContextToNumber>, domErrXPathContext, kAnyNode, Gives::kNode, Ends::kNone, Registry::kNode, Strings::kPaths},
+      {"XPathEvaluateContextToBoolean", Run<XPathEvaluateContextToBoolean>, domErrXPathContext, kAnyNode, Gives::kNode, Ends::kNone, Registry::kNode, Strings::kPaths},
+      {"XPathGetExpressionType", Run<XPathGetExpressionType>, domErrXPathContext, kAnyNode, Gives::kNode, Ends::kNone, Registry::kNode, Strings::kPaths},
+      {"XPathBindPrefix", Run<XPathBindPrefix>, domErrRefDocument, kDocument},
       {"TSXDocumentOpen", Run<TSXDocumentOpen>, 0, 0, Gives::kFreshDocument},
       {"TSXCreateDocument", Run<TSXCreateDocument>, domErrRefCreateDocument, 0, Gives::kFreshDocument, Ends::kNone, Registry::kImplementation},
       {"TSXNodeClose", Run<TSXNodeClose>, 0, kAnyNode, Gives::kNode, Ends::kOneNode},
@@ -239,7 +244,7 @@ bool OnlyReads(const CRow& row) {
   const std::string_view name = row.m_pName;
   return row.m_Ends == Ends::kNone && row.m_Gives != Gives::kFreshNode &&
          std::ranges::any_of(std::array{"TSXGet", "TSXHas", "TSXIs", "TSXName", "TSXOwner", "TSU",
-                                        "XPath", "TSIGet"},
+                                        "XPathEvaluate", "XPathGet", "TSIGet"},
                              [&](const char* pStart) { return name.starts_with(pStart); });
 }
 

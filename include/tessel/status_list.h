@@ -40,7 +40,7 @@
     "TSXCreateDocument, TSXCreateDocumentType, TSXCreateElement, TSXCreateElementNS, " \
     "TSXCreateAttribute, TSXCreateAttributeNS, TSXCreateEntityReference, " \
     "TSXCreateProcessingInstruction, TSXSetAttribute, TSXSetAttributeNS, TSXSetEncoding, " \
-    "TSIGetXMLCommon, TSXGetXML, TSXGetXMLPP", \
+    "TSIGetXMLCommon, TSXGetXML, TSXGetXMLPP, XPathBindPrefix", \
     "a name holds a character that XML forbids there, or the writer refused the node", \
     "correct the name; when writing, set an encoding that the writer supports") \
   X(-2606, domErrNoModificationAllowed, \
@@ -68,7 +68,7 @@
     "clone the attribute, or remove it from its element first") \
   X(-2613, domErrNamespace, \
     "TSXCreateDocument, TSXCreateDocumentType, TSXCreateElementNS, TSXCreateAttributeNS, " \
-    "TSXSetAttributeNS, TSXSetPrefixName", \
+    "TSXSetAttributeNS, TSXSetPrefixName, XPathBindPrefix", \
     "the qualified name or prefix does not fit the namespace URI", \
     "give a prefixed name a namespace URI, and keep xml and xmlns for their own URIs") \
   X(-2616, domErrSerialize, "TSIGetXMLCommon, TSXGetXML, TSXGetXMLPP", \
@@ -78,7 +78,7 @@
     "check the folder, the permissions, the free space and the document's encoding") \
   X(-2626, domErrRefDocument, \
     "TSXLoadString, TSXElementSetXML, TSXGetEncoding, TSXSetEncoding, TSXSetExternalAccess, " \
-    "TSXGetExternalAccess, TSXSetEntityTextLimit, TSXGetEntityTextLimit", \
+    "TSXGetExternalAccess, TSXSetEntityTextLimit, TSXGetEntityTextLimit, XPathBindPrefix", \
     "the id names no document, or for TSXElementSetXML no element with a parent in a document", \
     "pass the id of an open document, or of an attached element") \
   X(-2628, domErrParse, "TSXLoadFile, TSXLoadString, TSXElementSetXML", \
@@ -88,8 +88,8 @@
     "every function that guards a call into the libraries below: loading, element replacement, " \
     "TSXCreateDocument, the creators but those of text, comment and fragment, " \
     "TSXImportNode, the setters and removers of strings, character data, attributes and " \
-    "children, TSXSplitText, the collection functions but the close functions, XPath " \
-    "evaluation", "a failure that the function has no code of its own for", \
+    "children, TSXSplitText, the collection functions but the close functions, the XPath " \
+    "functions", "a failure that the function has no code of its own for", \
     "report it with the call's arguments: it is not an answer that a program can act on") \
   X(-2630, domErrRefGetNodeType, "TSXGetNodeType", \
     "the id names no node, or the DOM failed to tell its type", \
@@ -364,16 +364,28 @@
   X(-2764, domErrRefCreateDocumentDocType, "TSXCreateDocument", \
     "the document type's id is neither 0 nor that of a document type", \
     "pass 0 for none, or what TSXCreateDocumentType gave") \
-  X(-2766, domErrXPathContext, "XPathEvaluateContextToNode, XPathEvaluateContextToNodeArray", \
+  X(-2766, domErrXPathContext, \
+    "XPathEvaluateContextToNode, XPathEvaluateContextToNodeArray, " \
+    "XPathEvaluateContextToString, XPathEvaluateContextToNumber, " \
+    "XPathEvaluateContextToBoolean, XPathGetExpressionType", \
     "the context's id names no node", "pass the id of a node that is still open") \
-  X(-2767, domErrXPathXSL, "XPathEvaluateContextToNode, XPathEvaluateContextToNodeArray", \
+  X(-2767, domErrXPathXSL, \
+    "XPathEvaluateContextToNode, XPathEvaluateContextToNodeArray, " \
+    "XPathEvaluateContextToString, XPathEvaluateContextToNumber, " \
+    "XPathEvaluateContextToBoolean, XPathGetExpressionType", \
     "the evaluation failed", "show the error text") \
-  X(-2768, domErrXPathParse, "XPathEvaluateContextToNode, XPathEvaluateContextToNodeArray", \
+  X(-2768, domErrXPathParse, \
+    "XPathEvaluateContextToNode, XPathEvaluateContextToNodeArray, " \
+    "XPathEvaluateContextToString, XPathEvaluateContextToNumber, " \
+    "XPathEvaluateContextToBoolean, XPathGetExpressionType", \
     "the expression is not XPath, or is too deep or too long", \
     "show the error text and correct the expression") \
-  X(-2769, domErrXPathConversion, "XPathEvaluateContextToNode, XPathEvaluateContextToNodeArray", \
-    "the expression's value is not a set of nodes", \
-    "ask for nodes: a number, string or truth value cannot be returned")
+  X(-2769, domErrXPathConversion, \
+    "XPathEvaluateContextToNode, XPathEvaluateContextToNodeArray, " \
+    "XPathEvaluateContextToString, XPathEvaluateContextToNumber, " \
+    "XPathEvaluateContextToBoolean, XPathGetExpressionType", \
+    "the expression's value is not a set of nodes, or it is a variable", \
+    "ask for its string, number or truth value; no variable is ever bound")
 /* clang-format on */
 
 #endif

@@ -14,8 +14,9 @@
  * end a step early where they can, and where one node is asked for such a path mostly
  * ends at the first. Other expressions cost several times as much for each node.
  *
- * Names. A prefix means what it means at the context node (at a document: at its
- * root element); "xml" always has its meaning; one that is not declared there is a
+ * Names. A prefix means what XPathBindPrefix has bound it to in the document, else what
+ * it means at the context node (at a document: at its root element); "xml" always has
+ * its meaning; one that is not declared there is a
  * parse error, "xmlns" too. A name without prefix means no namespace: the default
  * namespace does not apply, so an element in it needs a declared prefix, or
  * "*[local-name() = 'x']". In a document that was read with namespaces off, names
@@ -92,5 +93,47 @@ TSX_API TSXStatus XPathEvaluateContextToNode(TSXRefId context, HStr* expression,
 TSX_API TSXStatus XPathEvaluateContextToNodeArray(TSXRefId context, HStr* expression,
                                                   GenericRefObjSessionArray* nodesOut,
                                                   HStr* errorText);
+
+/* Evaluates an expression of any type at a node and gives its value as a string, as
+ * XPath's string() does: of a set of nodes the text of the first one in document order,
+ * an empty string for none; "NaN", "Infinity", "true". Outside of predicates position()
+ * and last() are 1.
+ *   domErrXPathConversion  the expression is a variable, which is never bound
+ *   domErrXPathContext, domErrXPathParse, domErrXPathXSL, domErrUnexpected as for
+ *                          XPathEvaluateContextToNode
+ *   2                      the host refused memory for the string
+ * On failure *valueOut is cleared. */
+TSX_API TSXStatus XPathEvaluateContextToString(TSXRefId context, HStr* expression, HStr* valueOut,
+                                               HStr* errorText);
+
+/* As XPathEvaluateContextToString, as a number, as number() does: NaN for text that is
+ * none and for an empty set of nodes, 1 and 0 for truth values; infinities are such.
+ * 0 on failure. */
+TSX_API TSXStatus XPathEvaluateContextToNumber(TSXRefId context, HStr* expression, double* valueOut,
+                                               HStr* errorText);
+
+/* As XPathEvaluateContextToString, as a truth value, as boolean() does: 1 for a set that
+ * has a node, a string that is not empty, a number that is neither 0 nor NaN; else 0.
+ * 0 on failure. */
+TSX_API TSXStatus XPathEvaluateContextToBoolean(TSXRefId context, HStr* expression,
+                                                uint8_t* valueOut, HStr* errorText);
+
+/* Tells the type of an expression: 1 a set of nodes, 2 a string, 3 a number, 4 a truth
+ * value; 0 on failure. Nothing is evaluated; the context serves for prefixes only.
+ *   domErrXPathConversion  the expression is a variable, which is never bound
+ *   domErrXPathXSL         it is a function of XSLT
+ *   domErrXPathContext, domErrXPathParse, domErrUnexpected as for
+ *                          XPathEvaluateContextToNode */
+TSX_API TSXStatus XPathGetExpressionType(TSXRefId context, HStr* expression, int32_t* typeOut,
+                                         HStr* errorText);
+
+/* Binds a prefix to a namespace for every later evaluation at a node of the document,
+ * also after a reload; it comes before what the document declares. An empty URI unbinds
+ * the prefix. Costs an evaluation with a prefix one look-up.
+ *   domErrRefDocument       no document object
+ *   domErrInvalidCharacter  the prefix is no name, or has a colon
+ *   domErrNamespace         the prefix is "xml" or "xmlns"
+ *   domErrUnexpected        any exception */
+TSX_API TSXStatus XPathBindPrefix(TSXRefId document, HStr* prefix, HStr* namespaceURI);
 
 #endif

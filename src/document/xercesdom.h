@@ -6,6 +6,7 @@
 #include <xercesc/util/SecurityManager.hpp>
 
 #include "document/errorreporter.h"
+#include "document/prefixbindings.h"
 #include "document/treeparser.h"
 
 // Owns a document, the parser that fills it and the reporter that collects the
@@ -67,6 +68,7 @@ class CXercesDOM : public xercesc::DOMNode {
   xercesc::DOMDocument* m_pDoc = nullptr;
   CTreeParser* m_pParser = nullptr;
   DOMTreeErrorReporter* m_pErrorReporter = nullptr;
+  CPrefixBindings m_PrefixBindings;
 
  private:
   // Ends a parse that expands more than 50,000 entities in its content, the XML

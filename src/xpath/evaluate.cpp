@@ -1,8 +1,11 @@
 #include <tessel/status.h>
 #include <tessel/xpath.h>
 
+#include <xercesc/util/XMLChar.hpp>
+
 #include "collections/fillers.h"
 #include "document/find.h"
+#include "host/guards.h"
 #include "host/text.h"
 #include "xpath/xpathguard.h"
 #include "xpath/xpathmanager.h"
@@ -13,17 +16,16 @@ namespace {
 
 using CNodes = std::vector<DOMNode*>;
 
-// Selects nodes and stores them when all went well; a failure's message goes to
-// the host.
-template <class Select, class Store>
-TSXStatus Evaluate(TSXRefId context, HStr* pExpression, HStr* pErrorText, Select select,
-                   Store store) {
+// Evaluates, and stores the value when all went well; a failure's message goes to the
+// host.
+template <class Call, class Store>
+TSXStatus Evaluate(TSXRefId context, HStr* pExpression, HStr* pErrorText, Call call, Store store) {
   ClearString(pErrorText);
   std::u16string message;
   const TSXStatus status = RunXPath(
       [&] {
         XPathManager manager(FindObject<DOMNode>(context));
-        store(select(manager, CWideText(pExpression).Get()));
+        store(call(manager, CWideText(pExpression).Get()));
       },
       message);
   if (!message.empty()) StoreText(message.c_str(), pErrorText);
@@ -50,4 +52,60 @@ TSXStatus XPathEvaluateContextToNodeArray(TSXRefId context, HStr* expression,
       context, expression, errorText,
       [](XPathManager& manager, const XMLCh* pText) { return manager.Evaluate(pText); },
       [&](const CNodes& nodes) { StoreNodes(nodes, nodesOut); });
+}
+
+TSXStatus XPathEvaluateContextToString(TSXRefId context, HStr* expression, HStr* valueOut,
+                                       HStr* errorText) {
+  ClearString(valueOut);
+  TSXStatus stored = 0;
+  const TSXStatus status = Evaluate(
+      context, expression, errorText,
+      [](XPathManager& manager, const XMLCh* pText) { return manager.EvaluateText(pText); },
+      [&](const std::u16string& value) { stored = StoreText(value.c_str(), valueOut); });
+  return status != 0 ? status : stored;
+}
+
+TSXStatus XPathEvaluateContextToNumber(TSXRefId context, HStr* expression, double* valueOut,
+                                       HStr* errorText) {
+  *valueOut = 0;
+  return Evaluate(
+      context, expression, errorText,
+      [](XPathManager& manager, const XMLCh* pText) { return manager.EvaluateNumber(pText); },
+      [&](double value) { *valueOut = value; });
+}
+
+TSXStatus XPathEvaluateContextToBoolean(TSXRefId context, HStr* expression, uint8_t* valueOut,
+                                        HStr* errorText) {
+  *valueOut = 0;
+  return Evaluate(
+      context, expression, errorText,
+      [](XPathManager& manager, const XMLCh* pText) { return manager.EvaluateTruth(pText); },
+      [&](bool value) { *valueOut = value ? 1 : 0; });
+}
+
+TSXStatus XPathGetExpressionType(TSXRefId context, HStr* expression, int32_t* typeOut,
+                                 HStr* errorText) {
+  *typeOut = 0;
+  return Evaluate(
+      context, expression, errorText,
+      [](XPathManager& manager, const XMLCh* pText) { return manager.TypeOf(pText); },
+      [&](plain::EType type) { *typeOut = static_cast<int32_t>(type) + 1; });
+}
+
+TSXStatus XPathBindPrefix(TSXRefId document, HStr* prefix, HStr* namespaceURI) {
+  auto* pDom = FindObject<CXercesDOM>(document);
+  if (pDom == nullptr) return domErrRefDocument;
+  TSXStatus status = 0;
+  const TSXStatus unexpected = Always<domErrUnexpected>::Run([&] {
+    const CWideText prefixText(prefix);
+    const std::u16string_view name = prefixText.Get();
+    if (!xercesc::XMLChar1_0::isValidNCName(name.data(), name.size())) {
+      status = domErrInvalidCharacter;
+    } else if (name == u"xml" || name == u"xmlns") {
+      status = domErrNamespace;
+    } else {
+      pDom->m_PrefixBindings.Bind(name, CWideText(namespaceURI).Get());
+    }
+  });
+  return unexpected != 0 ? unexpected : status;
 }

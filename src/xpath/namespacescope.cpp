@@ -3,7 +3,9 @@
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
+#include "document/xercesdom.h"
 #include "dom/look.h"
+#include "registry/globals.h"
 
 using xercesc::DOMNode;
 using xercesc::XMLString;
@@ -34,6 +36,11 @@ const XMLCh* Declared(const DOMNode& element, const XMLCh* pPrefix) {
   return DeclaredByAttributes(element, pPrefix);
 }
 
+const XMLCh* BoundByHost(const DOMNode& context, const XMLCh* pPrefix) {
+  const CXercesDOM* pDom = g_NodeDomMap.GetDomByNode(dom::TreeOf(context));
+  return pDom != nullptr ? pDom->m_PrefixBindings.Find(pPrefix) : nullptr;
+}
+
 }  // namespace
 
 const xalanc::XalanDOMString* CNamespaceScope::getNamespaceForPrefix(
@@ -44,6 +51,7 @@ const xalanc::XalanDOMString* CNamespaceScope::getNamespaceForPrefix(
 
 const XMLCh* CNamespaceScope::Find(const XMLCh* pPrefix) const {
   if (XMLString::equals(pPrefix, XMLUni::fgXMLString)) return XMLUni::fgXMLURIName;
+  if (const XMLCh* pBound = BoundByHost(m_Context, pPrefix)) return pBound;
   const DOMNode* pNode = &m_Context;
   if (pNode->getNodeType() == DOMNode::DOCUMENT_NODE) {
     pNode = static_cast<const xercesc::DOMDocument*>(pNode)->getDocumentElement();

@@ -6,7 +6,8 @@
 #include <xalanc/XalanDOM/XalanDOMString.hpp>
 #include <xercesc/dom/DOMNode.hpp>
 
-// Gives what lookupNamespaceURI of the context gives (at a document: of its root
+// Gives what the host has bound in the context's document; else what lookupNamespaceURI
+// of the context gives (at a document: of its root
 // element), without its recursion over the ancestors; "xml" is always bound.
 class CNamespaceScope final : public xalanc::PrefixResolver {
  public:

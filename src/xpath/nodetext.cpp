@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <limits>
+#include <xalanc/PlatformSupport/DOMStringHelper.hpp>
 
 #include "dom/look.h"
 
@@ -111,6 +112,12 @@ std::optional<double> ToNumber(std::u16string_view text) {
   const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number);
   if (result.ec != std::errc()) return std::nullopt;
   return number;
+}
+
+std::u16string ToText(double number) {
+  xalanc::XalanDOMString text;
+  xalanc::NumberToDOMString(number, text);
+  return text.c_str();
 }
 
 std::u16string_view Normalized(std::u16string_view text, std::u16string& buffer) {

@@ -20,6 +20,9 @@ std::optional<std::u16string_view> StringValue(const xercesc::DOMNode& node,
 // NaN for what is no number; nothing for one that is too large or too small.
 std::optional<double> ToNumber(std::u16string_view text);
 
+// As Xalan-C writes it: the digits that tell it from every other number, no exponent.
+std::u16string ToText(double number);
+
 // Without space at the ends, and with one for all other; stands in the buffer.
 std::u16string_view Normalized(std::u16string_view text, std::u16string& buffer);
 

@@ -60,8 +60,12 @@ class CPlainEvaluation {
                    xercesc::DOMNode& context, xercesc::DOMNode* pRoot)
       : m_Form(form), m_Namespaces(namespaces), m_Context(context), m_pRoot(pRoot) {}
 
-  // The first of the nodes that the form, which is of that type, selects.
+  // The first of the nodes that the form selects; nothing for another type.
   std::optional<std::vector<xercesc::DOMNode*>> Select(std::size_t most);
+  // The value of the form as a text, a number or a truth value.
+  std::optional<std::u16string> Text();
+  std::optional<double> Number();
+  std::optional<bool> Truth();
 
  private:
   using CSteps = std::vector<CStep>;

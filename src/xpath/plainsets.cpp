@@ -103,6 +103,7 @@ void DropRepeated(CNodes& set) {
 }  // namespace
 
 std::optional<std::vector<DOMNode*>> CPlainEvaluation::Select(std::size_t most) {
+  if (m_Form.Expression().m_Type != EType::kNodes) return std::nullopt;
   CNodes set = Select(m_Form.Expression(), {m_Context}, most);
   if (m_GaveUp) return std::nullopt;
   return std::move(set.m_Nodes);

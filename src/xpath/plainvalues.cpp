@@ -57,6 +57,35 @@ EKind Turned(EKind kind) {
 
 }  // namespace
 
+// -- Of the form -------------------------------------------------------------------------
+
+std::optional<std::u16string> CPlainEvaluation::Text() {
+  const CExpression& expression = m_Form.Expression();
+  std::u16string text;
+  if (expression.m_Type == EType::kTruth) {
+    text = Truth(expression, {m_Context}) ? u"true" : u"false";
+  } else if (expression.m_Type == EType::kNumber) {
+    text = ToText(Limited(Number(expression, {m_Context})));
+  } else {
+    std::u16string buffer;
+    text = Text(expression, {m_Context}, buffer);
+  }
+  if (m_GaveUp) return std::nullopt;
+  return text;
+}
+
+std::optional<double> CPlainEvaluation::Number() {
+  const double number = Number(m_Form.Expression(), {m_Context});
+  if (m_GaveUp) return std::nullopt;
+  return number;
+}
+
+std::optional<bool> CPlainEvaluation::Truth() {
+  const bool truth = Truth(m_Form.Expression(), {m_Context});
+  if (m_GaveUp) return std::nullopt;
+  return truth;
+}
+
 // -- Of nodes --------------------------------------------------------------------------
 
 std::u16string_view CPlainEvaluation::TextOf(const DOMNode& node, std::u16string& buffer) {

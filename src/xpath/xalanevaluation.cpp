@@ -28,11 +28,33 @@ CXalanEvaluation::CXalanEvaluation(xercesc::DOMNode& context, const CNamespaceSc
     : m_Scope(scope),
       m_Tree(context),
       m_Order(m_Tree),
-      m_Execution(m_Environment, m_Order, m_Factory, &m_Tree.Context(), nullptr, &m_Scope) {}
+      m_Focus(*xercesc::XMLPlatformUtils::fgMemoryManager),
+      m_Execution(m_Environment, m_Order, m_Factory, &m_Tree.Context(), nullptr, &m_Scope) {
+  m_Focus.addNode(&m_Tree.Context());
+}
+
+xalanc::XObjectPtr CXalanEvaluation::Execute(const CXalanForm& form) {
+  return form.Get().execute(&m_Tree.Context(), m_Scope, m_Focus, m_Execution);
+}
+
+// A variable, which is never bound, is of no type: it cannot be converted.
+xalanc::XObjectPtr CXalanEvaluation::Value(const CXalanForm& form) {
+  const xalanc::XObjectPtr result = Execute(form);
+  if (result->getType() == xalanc::XObject::eTypeUnknown) result->nodeset();
+  return result;
+}
+
+std::u16string CXalanEvaluation::Text(const CXalanForm& form) {
+  return Value(form)->str(m_Execution).c_str();
+}
+
+double CXalanEvaluation::Number(const CXalanForm& form) { return Value(form)->num(m_Execution); }
+
+bool CXalanEvaluation::Truth(const CXalanForm& form) { return Value(form)->boolean(m_Execution); }
 
 // Without the nodes that stand for none.
 std::vector<xercesc::DOMNode*> CXalanEvaluation::Select(const CXalanForm& form, std::size_t most) {
-  const xalanc::XObjectPtr result = form.Get().execute(&m_Tree.Context(), m_Scope, m_Execution);
+  const xalanc::XObjectPtr result = Execute(form);
   const xalanc::NodeRefListBase& nodes = result->nodeset();
   const xalanc::NodeRefListBase::size_type count = nodes.getLength();
   std::vector<xercesc::DOMNode*> selected;

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <vector>
 #include <xalanc/DOMSupport/DOMSupport.hpp>
+#include <xalanc/XPath/MutableNodeRefList.hpp>
 #include <xalanc/XPath/XPath.hpp>
 #include <xercesc/dom/DOMNode.hpp>
 
@@ -56,11 +58,19 @@ class CXalanEvaluation {
 
   // The first nodes that the expression selects, in document order, each once.
   std::vector<xercesc::DOMNode*> Select(const CXalanForm& form, std::size_t most);
+  // The value of the expression as a text, a number or a truth value.
+  std::u16string Text(const CXalanForm& form);
+  double Number(const CXalanForm& form);
+  bool Truth(const CXalanForm& form);
 
  private:
+  xalanc::XObjectPtr Execute(const CXalanForm& form);
+  xalanc::XObjectPtr Value(const CXalanForm& form);
+
   const CNamespaceScope& m_Scope;
   CXPathTree m_Tree;
   CXPathOrder m_Order;
+  xalanc::MutableNodeRefList m_Focus;  // the context alone, so position() and last() are 1
   CSilentEnvironment m_Environment;
   CNumberGuard m_Factory;
   CExecution m_Execution;

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "xpath/expressioncache.h"
+#include "xpath/expressiontype.h"
 #include "xpath/nodetext.h"
 #include "xpath/plainevaluation.h"
 #include "xpath/treetop.h"
@@ -35,6 +36,29 @@ bool Resolve(const std::vector<std::u16string>& prefixes, const CNamespaceScope&
 XPathManager::XPathManager(DOMNode* pContext, EPlainPaths plainPaths)
     : m_PlainPaths(plainPaths), m_Context(Existing(pContext)), m_Scope(m_Context) {}
 
+// Nothing where that is Xalan-C's to do.
+template <class OnDom>
+auto XPathManager::RunPlain(const plain::CForm& form, OnDom onDom) {
+  DOMNode* pRoot = form.LooksUp() ? TopOf(m_Context) : nullptr;
+  std::vector<std::u16string_view> namespaces;
+  const bool isOurs =
+      (pRoot == nullptr || IsRoot(*pRoot)) && Resolve(form.Prefixes(), m_Scope, namespaces);
+  plain::CPlainEvaluation evaluation(form, namespaces, m_Context, pRoot);
+  return isOurs ? onDom(evaluation) : decltype(onDom(evaluation))();
+}
+
+template <class OnDom, class ByXalan>
+auto XPathManager::Run(const XMLCh* pExpression, OnDom onDom, ByXalan byXalan) {
+  const auto pKnown = CExpressionCache::Instance().Find(plain::View(pExpression));
+  if (m_PlainPaths == EPlainPaths::kOnDom && pKnown->Plain() != nullptr) {
+    auto value = RunPlain(*pKnown->Plain(), onDom);
+    if (value) return std::move(*value);
+  }
+  const auto pForm = pKnown->Xalan(m_Scope);
+  CXalanEvaluation evaluation(m_Context, m_Scope);
+  return byXalan(evaluation, *pForm);
+}
+
 std::vector<DOMNode*> XPathManager::Evaluate(const XMLCh* pExpression) {
   return Select(pExpression, kAll);
 }
@@ -43,23 +67,35 @@ std::vector<DOMNode*> XPathManager::EvaluateFirst(const XMLCh* pExpression) {
   return Select(pExpression, 1);
 }
 
-std::vector<DOMNode*> XPathManager::Select(const XMLCh* pExpression, std::size_t most) {
-  const auto pKnown = CExpressionCache::Instance().Find(plain::View(pExpression));
-  if (m_PlainPaths == EPlainPaths::kOnDom && pKnown->Plain() != nullptr) {
-    auto nodes = SelectPlain(*pKnown->Plain(), most);
-    if (nodes) return std::move(*nodes);
-  }
-  const auto pForm = pKnown->Xalan(m_Scope);
-  return CXalanEvaluation(m_Context, m_Scope).Select(*pForm, most);
+std::u16string XPathManager::EvaluateText(const XMLCh* pExpression) {
+  return Run(
+      pExpression, [](auto& evaluation) { return evaluation.Text(); },
+      [](auto& evaluation, const CXalanForm& form) { return evaluation.Text(form); });
 }
 
-// Nothing where that is Xalan-C's to do.
-std::optional<std::vector<DOMNode*>> XPathManager::SelectPlain(const plain::CForm& form,
-                                                               std::size_t most) {
-  if (form.Expression().m_Type != plain::EType::kNodes) return std::nullopt;
-  DOMNode* pRoot = form.LooksUp() ? TopOf(m_Context) : nullptr;
-  if (pRoot != nullptr && !IsRoot(*pRoot)) return std::nullopt;
-  std::vector<std::u16string_view> namespaces;
-  if (!Resolve(form.Prefixes(), m_Scope, namespaces)) return std::nullopt;
-  return plain::CPlainEvaluation(form, namespaces, m_Context, pRoot).Select(most);
+double XPathManager::EvaluateNumber(const XMLCh* pExpression) {
+  return Run(
+      pExpression, [](auto& evaluation) { return evaluation.Number(); },
+      [](auto& evaluation, const CXalanForm& form) { return evaluation.Number(form); });
+}
+
+bool XPathManager::EvaluateTruth(const XMLCh* pExpression) {
+  return Run(
+      pExpression, [](auto& evaluation) { return evaluation.Truth(); },
+      [](auto& evaluation, const CXalanForm& form) { return evaluation.Truth(form); });
+}
+
+// What is wrong with an expression, Xalan-C says.
+plain::EType XPathManager::TypeOf(const XMLCh* pExpression) {
+  const auto pKnown = CExpressionCache::Instance().Find(plain::View(pExpression));
+  const plain::CForm* pPlain = pKnown->Plain();
+  if (pPlain != nullptr && pPlain->Prefixes().empty()) return pPlain->Expression().m_Type;
+  pKnown->Xalan(m_Scope);
+  return TypeOfExpression(pKnown->Text());
+}
+
+std::vector<DOMNode*> XPathManager::Select(const XMLCh* pExpression, std::size_t most) {
+  return Run(
+      pExpression, [&](auto& evaluation) { return evaluation.Select(most); },
+      [&](auto& evaluation, const CXalanForm& form) { return evaluation.Select(form, most); });
 }

@@ -3,7 +3,6 @@
 
 #include <tessel/export.h>
 
-#include <optional>
 #include <string>
 #include <vector>
 #include <xercesc/dom/DOMNode.hpp>
@@ -43,11 +42,19 @@ class XPathManager {
   std::vector<xercesc::DOMNode*> Evaluate(const XMLCh* pExpression);
   // As Evaluate, cut after the first node.
   std::vector<xercesc::DOMNode*> EvaluateFirst(const XMLCh* pExpression);
+  // The value of an expression of any type.
+  std::u16string EvaluateText(const XMLCh* pExpression);
+  double EvaluateNumber(const XMLCh* pExpression);
+  bool EvaluateTruth(const XMLCh* pExpression);
+  // The type of an expression, which is not evaluated.
+  plain::EType TypeOf(const XMLCh* pExpression);
 
  private:
   std::vector<xercesc::DOMNode*> Select(const XMLCh* pExpression, std::size_t most);
-  std::optional<std::vector<xercesc::DOMNode*>> SelectPlain(const plain::CForm& form,
-                                                            std::size_t most);
+  template <class OnDom, class ByXalan>
+  auto Run(const XMLCh* pExpression, OnDom onDom, ByXalan byXalan);
+  template <class OnDom>
+  auto RunPlain(const plain::CForm& form, OnDom onDom);
 
   const EPlainPaths m_PlainPaths;
   xercesc::DOMNode& m_Context;

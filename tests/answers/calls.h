@@ -19,7 +19,7 @@ struct CRef {
 
 // An out of a call, which holds junk before it.
 struct COut {
-  enum class Kind { kId, kFlag, kNumber, kAmount, kText, kArray };
+  enum class Kind { kId, kFlag, kNumber, kAmount, kReal, kText, kArray };
   static constexpr TSXRefId kJunkId = ~TSXRefId{0};
   static constexpr uint8_t kJunkFlag = 77;
   static constexpr int32_t kJunkNumber = 0x5a5a5a5a;
@@ -32,6 +32,7 @@ struct COut {
   uint8_t m_Flag = kJunkFlag;
   int32_t m_Number = kJunkNumber;
   int64_t m_Amount = kJunkNumber;
+  double m_Real = kJunkNumber;
   support::CText m_Text{kJunkText};
   support::CIds m_Array;
 };
@@ -117,6 +118,8 @@ class CCall {
       return &Out(COut::Kind::kNumber).m_Number;
     } else if constexpr (std::is_same_v<T, int64_t*>) {
       return &Out(COut::Kind::kAmount).m_Amount;
+    } else if constexpr (std::is_same_v<T, double*>) {
+      return &Out(COut::Kind::kReal).m_Real;
     } else {
       static_assert(std::is_same_v<T, GenericRefObjSessionArray*>);
       return &Out(COut::Kind::kArray).m_Array;

@@ -1,4 +1,6 @@
 // From what a row writes to ids, and from ids to what it writes.
+#include <sstream>
+
 #include "answers/script.h"
 #include "document/find.h"
 
@@ -14,6 +16,13 @@ std::string Listed(size_t count, Each each) {
   std::string all;
   for (size_t i = 0; i < count; ++i) all += (i == 0 ? "" : ", ") + each(i);
   return "[" + all + "]";
+}
+
+// "2", "2.5", "nan", "-inf".
+std::string Written(double number) {
+  std::ostringstream text;
+  text << number;
+  return text.str();
 }
 
 }  // namespace
@@ -79,6 +88,9 @@ std::string CScene::Describe(const COut& out, const CResult& result, Registry re
       return number(out.m_Number, COut::kJunkNumber);
     case COut::Kind::kAmount:
       return number(out.m_Amount, COut::kJunkNumber);
+    case COut::Kind::kReal:
+      if (out.m_Real == COut::kJunkNumber) return "left";
+      return result.m_Status != 0 && out.m_Real == 0 ? "" : Written(out.m_Real);
     case COut::Kind::kText:
       if (out.m_Text.IsNull()) return reset;
       return out.m_Text.Str() == COut::kJunkText ? "left" : Quoted(out.m_Text.Str());
