@@ -5,6 +5,7 @@
 #include <xercesc/validators/DTD/DTDElementDecl.hpp>
 #include <xercesc/validators/common/ContentSpecNode.hpp>
 
+#include "dom/pieces.h"
 #include "host/stackroom.h"
 
 using xercesc::ContentSpecNode;
@@ -38,7 +39,11 @@ bool IsDeeper(const ContentSpecNode* pModel, std::size_t most) {
 
 }  // namespace
 
-CTreeParser::CTreeParser() : m_Stop(*getScanner()), m_Limits(m_Stop), m_Resolver(m_Stop, m_Limits) {
+CTreeParser::CTreeParser()
+    : CBuilder(nullptr, &dom::NodeMemory()),
+      m_Stop(*getScanner()),
+      m_Limits(m_Stop),
+      m_Resolver(m_Stop, m_Limits) {
   getScanner()->setEntityHandler(this);
 }
 
@@ -72,7 +77,7 @@ void CTreeParser::error(unsigned int code, const XMLCh* pDomain, ErrTypes type, 
                         const XMLCh* pSystemId, const XMLCh* pPublicId, XMLFileLoc line,
                         XMLFileLoc column) {
   m_Stop.OnError();
-  XercesDOMParser::error(code, pDomain, type, pText, pSystemId, pPublicId, line, column);
+  CBuilder::error(code, pDomain, type, pText, pSystemId, pPublicId, line, column);
 }
 
 xercesc::InputSource* CTreeParser::resolveEntity(xercesc::XMLResourceIdentifier* pResource) {
@@ -85,7 +90,7 @@ xercesc::InputSource* CTreeParser::resolveEntity(xercesc::XMLResourceIdentifier*
 
 void CTreeParser::startExtSubset() {
   m_Resolver.Lost().TakeFrom(*getScanner()->getReaderMgr());
-  XercesDOMParser::startExtSubset();
+  CBuilder::startExtSubset();
 }
 
 // A short text makes many and long ones. The documents of every day stay below what an
@@ -116,30 +121,30 @@ void CTreeParser::endIntSubset() {
       m_Subset.Read(*scanner.getReaderMgr()->getCurrentReader(), scanner.getXMLVersion());
   m_Subset.Stop();
   fInternalSubset.set(text.c_str(), text.size());
-  XercesDOMParser::endIntSubset();
+  CBuilder::endIntSubset();
   MakeDefaults();
 }
 
 void CTreeParser::endExtSubset() {
-  XercesDOMParser::endExtSubset();
+  CBuilder::endExtSubset();
   MakeDefaults();
 }
 
 void CTreeParser::attDef(const xercesc::DTDElementDecl& element,
                          const xercesc::DTDAttDef& attribute, bool isIgnored) {
   NeedRoom(1);
-  XercesDOMParser::attDef(element, attribute, isIgnored);
+  CBuilder::attDef(element, attribute, isIgnored);
 }
 
 void CTreeParser::entityDecl(const xercesc::DTDEntityDecl& declaration, bool isParameter,
                              bool isIgnored) {
   NeedRoom(1);
-  XercesDOMParser::entityDecl(declaration, isParameter, isIgnored);
+  CBuilder::entityDecl(declaration, isParameter, isIgnored);
 }
 
 void CTreeParser::notationDecl(const xercesc::XMLNotationDecl& declaration, bool isIgnored) {
   NeedRoom(1);
-  XercesDOMParser::notationDecl(declaration, isIgnored);
+  CBuilder::notationDecl(declaration, isIgnored);
 }
 
 // The base makes all defaults of the element anew, which once is enough.
@@ -148,7 +153,7 @@ void CTreeParser::endAttList(const xercesc::DTDElementDecl& declaration) {
 }
 
 void CTreeParser::MakeDefaults() {
-  for (const xercesc::DTDElementDecl* pElement : m_Listed) XercesDOMParser::endAttList(*pElement);
+  for (const xercesc::DTDElementDecl* pElement : m_Listed) CBuilder::endAttList(*pElement);
   m_Listed.clear();
   m_IsListed.clear();
 }
@@ -169,25 +174,24 @@ void CTreeParser::startElement(const xercesc::XMLElementDecl& declaration, unsig
   }
   if (m_Level != 0) GoDeeper();
   if (isRoot) m_Subset.Stop();
-  XercesDOMParser::startElement(declaration, uri, pPrefix, attributes, attributeCount, isEmpty,
-                                isRoot);
+  CBuilder::startElement(declaration, uri, pPrefix, attributes, attributeCount, isEmpty, isRoot);
 }
 
 void CTreeParser::endElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
                              bool isRoot, const XMLCh* pPrefix) {
   if (m_Level != 0) --m_Level;
   m_Prefixes.Leave();
-  XercesDOMParser::endElement(declaration, uri, isRoot, pPrefix);
+  CBuilder::endElement(declaration, uri, isRoot, pPrefix);
 }
 
 void CTreeParser::startEntityReference(const xercesc::XMLEntityDecl& declaration) {
   GoDeeper();
-  XercesDOMParser::startEntityReference(declaration);
+  CBuilder::startEntityReference(declaration);
 }
 
 void CTreeParser::endEntityReference(const xercesc::XMLEntityDecl& declaration) {
   if (m_Level != 0) --m_Level;
-  XercesDOMParser::endEntityReference(declaration);
+  CBuilder::endEntityReference(declaration);
 }
 
 void CTreeParser::elementDecl(const xercesc::DTDElementDecl& declaration, bool isIgnored) {
@@ -195,7 +199,7 @@ void CTreeParser::elementDecl(const xercesc::DTDElementDecl& declaration, bool i
   if (isUsed && IsDeeper(declaration.getContentSpec(), StackRoom() / kModelLevel)) {
     m_Stop.Stop(u"the content model is too large for the stack of this thread");
   }
-  XercesDOMParser::elementDecl(declaration, isIgnored);
+  CBuilder::elementDecl(declaration, isIgnored);
 }
 
 void CTreeParser::GoDeeper() {

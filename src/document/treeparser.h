@@ -4,13 +4,13 @@
 #include <cstddef>
 #include <unordered_set>
 #include <vector>
-#include <xercesc/parsers/XercesDOMParser.hpp>
 
 #include "document/expansionlimits.h"
 #include "document/externalresolver.h"
 #include "document/loadstop.h"
 #include "document/prefixscope.h"
 #include "document/subsetcapture.h"
+#include "dom/builder.h"
 #include "dom/hashroom.h"
 
 // Ends in a fatal error, before it happens, what would fill the memory or the stack, and
@@ -20,7 +20,7 @@
 // copied by recursion when the entity node is first looked into, by whichever thread:
 // so its depth has a fixed limit. A content model becomes an automaton by recursion
 // during the load, so its depth is bounded by the stack of the loading thread.
-class CTreeParser final : public xercesc::XercesDOMParser {
+class CTreeParser final : public dom::CBuilder {
  public:
   // Elements and references, from the outermost reference on.
   static constexpr std::size_t kMostInEntity = 250;

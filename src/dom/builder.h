@@ -1,0 +1,60 @@
+// The parser that makes trees by the parts of their nodes.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <xercesc/parsers/XercesDOMParser.hpp>
+
+#include "dom/parts.h"
+
+namespace dom {
+
+// The pooled strings of a document for the names of its nodes. The same few names come
+// again and again, and the document's own pool takes three passes for each.
+class CPooledNames {
+ public:
+  // Forgets everything; the strings to come are this document's.
+  void Start(xercesc::DOMDocumentImpl& document);
+  // `slot` says where to look first, and may be anything.
+  const XMLCh* Of(const XMLCh* pName, std::size_t slot);
+
+ private:
+  xercesc::DOMDocumentImpl* m_pDocument = nullptr;
+  std::array<const XMLCh*, 1024> m_Slots;  // null for none yet
+};
+
+// Makes the tree that its base would make: the same nodes, flags, IDs and exceptions.
+// The base finds the parts of nodes by run-time casts, several for each node. Entity
+// references and elements that get default attributes are left to it.
+class CBuilder : public xercesc::XercesDOMParser {
+ public:
+  using XercesDOMParser::XercesDOMParser;
+
+  void startDocument() override;
+  void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
+                    const XMLCh* pPrefix, const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                    XMLSize_t attributeCount, bool isEmpty, bool isRoot) override;
+  void endElement(const xercesc::XMLElementDecl& declaration, unsigned int uri, bool isRoot,
+                  const XMLCh* pPrefix) override;
+  void docCharacters(const XMLCh* pText, XMLSize_t length, bool isCData) override;
+  void ignorableWhitespace(const XMLCh* pText, XMLSize_t length, bool isCData) override;
+  void docComment(const XMLCh* pText) override;
+  void docPI(const XMLCh* pTarget, const XMLCh* pData) override;
+
+ private:
+  const XMLCh* NamespaceOf(unsigned int uri);
+  xercesc::DOMElementImpl& MakeElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
+                                       const XMLCh* pPrefix);
+  xercesc::DOMAttrImpl& MakeAttribute(const xercesc::XMLAttr& source, std::size_t slot);
+  void AddAttribute(xercesc::DOMElementImpl& element, const xercesc::XMLAttr& source,
+                    std::size_t slot);
+  void AddText(const XMLCh* pText, XMLSize_t length, bool isIgnorable);
+  void Add(xercesc::DOMNode& child);
+
+  CPooledNames m_Names;
+  // The namespace that was asked for last.
+  unsigned int m_LastURI = 0;
+  const XMLCh* m_pLastNamespace = nullptr;  // null for none yet
+};
+
+}  // namespace dom
