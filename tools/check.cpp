@@ -30,6 +30,11 @@ CReadOptions ReadOptions(const CCheckOptions& options, const CClient& client) {
   read.m_Schema = schema ? 1 : 0;
   read.m_FullChecking = options.m_Full ? 1 : 0;
   read.m_ExternalDTD = options.m_NoExternalDTD || client.m_NoExternal ? 0 : 1;
+  // Documents name grammars wherever they are; the network is asked for by an option.
+  constexpr int32_t kAll = 0;
+  constexpr int32_t kFiles = 1;
+  constexpr int32_t kNothing = 3;
+  read.m_Access = client.m_NoExternal ? kNothing : client.m_Network ? kAll : kFiles;
   return read;
 }
 

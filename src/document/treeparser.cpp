@@ -1,41 +1,16 @@
 #include "document/treeparser.h"
 
-#include <vector>
 #include <xercesc/internal/XMLScanner.hpp>
 #include <xercesc/validators/DTD/DTDElementDecl.hpp>
-#include <xercesc/validators/common/ContentSpecNode.hpp>
 
+#include "document/contentmodel.h"
 #include "dom/pieces.h"
-#include "host/stackroom.h"
-
-using xercesc::ContentSpecNode;
 
 namespace {
-
-// What a level of a content model takes, measured, with a margin; bytes of stack.
-constexpr std::size_t kModelLevel = 208;
 
 // UTF-16 units that a default attribute counts besides name and value, and that the
 // defaults of an element may come to before they count.
 constexpr XMLSize_t kUnitsOfDefault = 16, kFreeDefaults = 256;
-
-// "(a, b, c)" is a pair of a and the pair of b and c, so a list is deep, too.
-bool IsDeeper(const ContentSpecNode* pModel, std::size_t most) {
-  struct CPending {
-    const ContentSpecNode* m_pNode;
-    std::size_t m_Level;
-  };
-  std::vector<CPending> pending{{pModel, 0}};
-  while (!pending.empty()) {
-    const CPending next = pending.back();
-    pending.pop_back();
-    if (next.m_pNode == nullptr) continue;
-    if (next.m_Level > most) return true;
-    pending.push_back({next.m_pNode->getFirst(), next.m_Level + 1});
-    pending.push_back({next.m_pNode->getSecond(), next.m_Level + 1});
-  }
-  return false;
-}
 
 }  // namespace
 
@@ -196,7 +171,7 @@ void CTreeParser::endEntityReference(const xercesc::XMLEntityDecl& declaration) 
 
 void CTreeParser::elementDecl(const xercesc::DTDElementDecl& declaration, bool isIgnored) {
   const bool isUsed = getValidationScheme() != Val_Never;
-  if (isUsed && IsDeeper(declaration.getContentSpec(), StackRoom() / kModelLevel)) {
+  if (isUsed && IsTooDeep(declaration.getContentSpec())) {
     m_Stop.Stop(u"the content model is too large for the stack of this thread");
   }
   CBuilder::elementDecl(declaration, isIgnored);

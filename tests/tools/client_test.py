@@ -111,6 +111,14 @@ FILES = {
     "latin.xml": b'<?xml version="1.0" encoding="ISO-8859-1"?>\n<a>\xe9&x;</a>',
     "laughs.xml": '<!DOCTYPE a [<!ENTITY a "">' + "".join(
         f'<!ENTITY {b} "{10 * f"&{a};"}">' for a, b in zip("abcdef", "bcdefg")) + "]><a>&g;</a>",
+    "parameters.xml": '<!DOCTYPE a [<!ENTITY % a "">' + "".join(
+        f'<!ENTITY % {b} "{10 * f"&#37;{a};"}">' for a, b in zip("abcdef", "bcdefg"))
+        + "%g;]><a/>",
+    "defaults.xml": '<!DOCTYPE a [<!ENTITY a "">' + "".join(
+        f'<!ENTITY {b} "{10 * f"&{a};"}">' for a, b in zip("abcdef", "bcdefg"))
+        + '<!ATTLIST a x CDATA "&g;">]><a/>',
+    "model.xml": f"<!DOCTYPE a [<!ELEMENT a ({'b,' * 200000}b)>]><a/>",
+    "unreachable.xml": '<!DOCTYPE a [<!ENTITY e SYSTEM "http://127.0.0.1:1/">]><a>&e;</a>',
     "external.xml": '<!DOCTYPE a [<!ENTITY f SYSTEM "text.ent">]>\n<a>&f;</a>',
     "text.ent": "from the file",
     "nested.xml": "<r><a>1<a>2</a></a><b/></r>",
@@ -247,6 +255,14 @@ faults.xml:4:{4 + 3 * i}: entity 'z' not found
 """ for i in range(8))),
     Case("check laughs.xml", 1, err=re.compile(
         r"laughs\.xml:1:\d+: .*'50000' entity expansions.*\n" + SHOWN)),
+    Case("check --dtd model.xml", 1, err=re.compile(
+        r"model\.xml:1:\d+: the content model is too large for the stack .*\n" + SHOWN)),
+    Case("check parameters.xml defaults.xml", 1, err=re.compile(
+        r"parameters\.xml:1:\d+: .*'50000' entity expansions.*\n" + SHOWN
+        + r"defaults\.xml:1:\d+: .*'50000' entity expansions.*\n" + SHOWN)),
+    Case("check unreachable.xml", 1, err=re.compile(
+        r"unreachable\.xml:1:\d+: access to 'http://127.0.0.1:1/' was refused: .* by network\n"
+        + SHOWN)),
     Case("check latin.xml", 1, err="latin.xml:2:8: entity 'x' not found\n"
          "  <a>?&x;</a>\n         ^\n"),
     Case("check --schema number.xml ambiguous.xml", 0),
