@@ -6,8 +6,8 @@ where the environment picks a mutant of it, something else.
 OUT_DIR/renames.h, included first, makes a test call the stand-ins; OUT_DIR/stand_ins.cpp
 has them; OUT_DIR/mutants.txt names the mutants, one a line:
 
-  FUNCTION:nothing        does nothing and answers 0
-  FUNCTION:as:OTHER       does as another function of its signature
+  FUNCTION:nothing        answers what it would, and does nothing
+  FUNCTION:as:OTHER       does as another function of its signature, with codes of its own
   FUNCTION:ARGUMENT=VALUE takes the argument for a constant; an out stays as it was
 """
 
@@ -55,6 +55,17 @@ def functions(include):
             yield Function(linkage, result, name, parameters)
 
 
+def reference_codes(include):
+    """The codes for bad ids of each function, in the order of the list."""
+    text = (pathlib.Path(include) / "tessel" / "status_list.h").read_text()
+    codes = collections.defaultdict(list)
+    for row in re.split(r"^  X\(", text, flags=re.M)[1:]:
+        name = re.search(r"domErr\w+", row).group(0)
+        for function in re.findall(r"\w+", row.split('"')[1]) if name.startswith("domErrRef") else []:
+            codes[function].append(name)
+    return codes
+
+
 def stand_ins(kind, name):
     if kind == "TSXRefId*":
         return [("none", f"CId({CLOSES.get(name, 'TSXNodeClose')})")]
@@ -68,12 +79,26 @@ def relatives(function, among):
             and [kind for kind, _ in other.parameters] == [kind for kind, _ in function.parameters]]
 
 
-def mutants(function, among):
+def nothing(function, call):
+    if function.result == "void":
+        return "return;"
+    # What a save writes stays, and so does the memory that a pointer names.
+    writes = any(kind == "HostPath" for kind, _ in function.parameters)
+    if writes or function.result.endswith("*"):
+        return "return {};"
+    return f"return InACopy([&] {{ return {call}; }});"
+
+
+def mutants(function, among, codes):
     """The kind and the statement of each mutant of a function."""
     names = [name for _, name in function.parameters]
-    yield "nothing", "return;" if function.result == "void" else "return {};"
+    yield "nothing", nothing(function, f"{function.name}({', '.join(names)})")
     for other in relatives(function, among):
-        yield f"as:{other}", f"return {other}({', '.join(names)});"
+        call = f"{other}({', '.join(names)})"
+        if function.result == "TSXStatus":
+            lists = (", ".join(codes[one]) for one in (other, function.name))
+            call = f"Translated({call}, {{{next(lists)}}}, {{{next(lists)}}})"
+        yield f"as:{other}", f"return {call};"
     for i, (kind, name) in enumerate(function.parameters):
         for value, expression in stand_ins(kind, name) if name != "ignored" else []:
             arguments = names[:i] + [expression] + names[i + 1:]
@@ -83,13 +108,13 @@ def mutants(function, among):
 def main():
     include, out = sys.argv[1], pathlib.Path(sys.argv[2])
     out.mkdir(parents=True, exist_ok=True)
-    found = list(functions(include))
+    found, codes = list(functions(include)), reference_codes(include)
     body, listed = [], []
     for index, function in enumerate(found):
         parameters = ", ".join(f"[[maybe_unused]] {kind} {name}" for kind, name in function.parameters)
         body.append(f"{function.linkage}{function.result} mutable_{function.name}({parameters}) {{\n"
                     f"  switch (Enter({index})) {{")
-        for kind, statement in mutants(function, found):
+        for kind, statement in mutants(function, found, codes):
             body.append(f"    case {len(listed)}: {statement}")
             listed.append(f"{function.name}:{kind}")
         arguments = ", ".join(name for _, name in function.parameters)

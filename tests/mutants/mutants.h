@@ -2,8 +2,13 @@
 // values in the place of arguments.
 #pragma once
 
+#include <sys/wait.h>
 #include <tessel/tessel.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <cstdlib>
+#include <initializer_list>
 #include <vector>
 
 namespace mutants {
@@ -15,6 +20,34 @@ extern const std::vector<const char*> g_Mutants;
 // Notes a call of a function and gives the number of the mutant that TESSEL_MUTANT names,
 // one behind the last where it names none.
 size_t Enter(size_t function);
+
+// What a call answers in a copy of the process, so that nothing happens in this one.
+template <class Call>
+auto InACopy(Call call) {
+  decltype(call()) answer{};
+  int ends[2];
+  if (pipe(ends) != 0) std::abort();
+  const pid_t copy = fork();
+  if (copy == 0) {
+    alarm(10);
+    answer = call();
+    _exit(write(ends[1], &answer, sizeof answer) == sizeof answer ? 0 : 1);
+  }
+  close(ends[1]);
+  const bool isThere = read(ends[0], &answer, sizeof answer) == sizeof answer;
+  close(ends[0]);
+  if (copy < 0 || waitpid(copy, nullptr, 0) != copy || !isThere) std::abort();
+  return answer;
+}
+
+// A status with the codes of one function for those of another.
+inline TSXStatus Translated(TSXStatus status, std::initializer_list<TSXStatus> theirs,
+                            std::initializer_list<TSXStatus> ours) {
+  for (size_t i = 0; i < std::min(theirs.size(), ours.size()); ++i) {
+    if (status == theirs.begin()[i]) return ours.begin()[i];
+  }
+  return status;
+}
 
 // A flag or number that the caller does not see.
 template <class T>
