@@ -19,13 +19,19 @@ using xercesc::DOMNotation;
 // Printable, and different for each text.
 std::string Told(const XMLCh* pText) {
   if (pText == nullptr) return "-";
-  std::string told = "'";
+  std::string told(1, '\'');
   for (; *pText != 0; ++pText) {
     const bool isPlain = *pText >= 0x20 && *pText < 0x7F && *pText != '\\' && *pText != '\'';
-    told +=
-        isPlain ? std::string(1, static_cast<char>(*pText)) : "\\" + std::to_string(*pText) + ";";
+    if (isPlain) {
+      told.push_back(static_cast<char>(*pText));
+    } else {
+      told.push_back('\\');
+      told += std::to_string(*pText);
+      told.push_back(';');
+    }
   }
-  return told + "'";
+  told.push_back('\'');
+  return told;
 }
 
 bool IsSpace(const DOMNode& text) {
@@ -119,8 +125,14 @@ class CTeller {
 
   void TellAttribute(const DOMNode& node) {
     const auto& attribute = static_cast<const DOMAttr&>(node);
-    Line("@" + Told(attribute.getNodeName()) + " " + Told(attribute.getNamespaceURI()) + " " +
-         Told(attribute.getNodeValue()) + (attribute.getSpecified() ? "" : " default"));
+    std::string line(1, '@');
+    for (const XMLCh* p :
+         {attribute.getNodeName(), attribute.getNamespaceURI(), attribute.getNodeValue()}) {
+      line += Told(p);
+      line += ' ';
+    }
+    if (!attribute.getSpecified()) line += "default";
+    Line(line);
     for (const DOMNode* p = attribute.getFirstChild(); p != nullptr; p = p->getNextSibling()) {
       if (p->getNodeType() != DOMNode::TEXT_NODE) Line("  &" + Told(p->getNodeName()));
     }
@@ -130,7 +142,8 @@ class CTeller {
     // An empty one is as good as none.
     std::string line = "type";
     for (const XMLCh* p : {type.getPublicId(), type.getSystemId(), type.getInternalSubset()}) {
-      line += " " + Told(p != nullptr ? p : u"");
+      line += ' ';
+      line += Told(p != nullptr ? p : u"");
     }
     Line(line);
     for (XMLSize_t i = 0; i < type.getEntities()->getLength(); ++i) {

@@ -367,7 +367,9 @@ faults.xml:4:{4 + 3 * i}: entity 'z' not found
     Case("explain -2766", 0, """\
 domErrXPathContext (-2766)
   Meaning:     the context's id names no node
-  Returned by: XPathEvaluateContextToNode, XPathEvaluateContextToNodeArray
+  Returned by: XPathEvaluateContextToNode, XPathEvaluateContextToNodeArray, \
+XPathEvaluateContextToString, XPathEvaluateContextToNumber, XPathEvaluateContextToBoolean, \
+XPathGetExpressionType
   What to do:  pass the id of a node that is still open
 """),
     Case("explain -2605", 1, err="tessel: -2605: no function returns this code\n"),
