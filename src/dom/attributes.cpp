@@ -11,12 +11,10 @@
 #include "dom/release.h"
 
 using xercesc::DOMAttr;
-using xercesc::DOMAttrImpl;
 using xercesc::DOMDocumentImpl;
 using xercesc::DOMElement;
 using xercesc::DOMElementImpl;
 using xercesc::DOMException;
-using xercesc::XMLString;
 
 namespace dom {
 

@@ -17,7 +17,7 @@ using xercesc::XMLTranscoder;
 
 namespace {
 
-constexpr XMLSize_t kBlock = 16 * 1024;
+constexpr XMLSize_t kBlock = XMLSize_t{16} * 1024;
 
 std::unique_ptr<XMLTranscoder> NewTranscoder(const std::u16string& name) {
   xercesc::XMLTransService::Codes code{};

@@ -7,7 +7,6 @@
 
 using xercesc::DOMAttr;
 using xercesc::DOMElement;
-using xercesc::DOMNamedNodeMap;
 using xercesc::DOMNode;
 
 namespace {

@@ -79,8 +79,8 @@ struct CFunction {
   std::u16string_view m_Name;
   EKind m_Kind;
   EType m_Type;
-  std::size_t m_Least;
-  std::size_t m_Most;
+  std::uint8_t m_Least;
+  std::uint8_t m_Most;
   EParameter m_Parameter = EParameter::kAny;
 };
 
