@@ -156,7 +156,8 @@ TSX_API TSXStatus TSXSaveFilePP(TSXRefId document, HostPath path, HStr* errorTex
  * be an XML encoding name (a letter, then letters, digits, ".", "_" or "-"); it is
  * not looked up, so an unknown one fails at writing.
  *   domErrRefDocument       no document object
- *   domErrInvalidCharacter  no encoding name; nothing changed */
+ *   domErrInvalidCharacter  no encoding name; nothing changed
+ *   domErrUnexpected        the heap is exhausted; nothing changed */
 TSX_API TSXStatus TSXSetEncoding(TSXRefId document, uint64_t ignored, HStr* encoding);
 
 /* Copies the document's encoding: what its XML declaration named when it was

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "document/find.h"
+#include "host/guards.h"
 #include "host/text.h"
 #include "io/encoding.h"
 #include "io/nativepath.h"
@@ -14,12 +15,6 @@
 using xercesc::DOMNode;
 
 namespace {
-
-// What to write for a registered node: a document object stands for its document.
-const DOMNode& WrittenNode(const CDOMNodeSessMap::CEntry& entry) {
-  if (entry.m_Kind != ENodeKind::kDocumentObject) return *entry.m_pNode;
-  return *static_cast<CXercesDOM*>(entry.m_pNode)->DocumentNode();
-}
 
 TSXStatus StoreBytes(std::string_view bytes, HStr* pOut) {
   if (bytes.size() > static_cast<std::size_t>(std::numeric_limits<int32_t>::max())) {
@@ -52,14 +47,14 @@ TSXStatus SaveFile(TSXRefId document, HostPath path, HStr* pErrorText, bool isPr
 }  // namespace
 
 TSXStatus TSIGetXMLCommon(TSXRefId node, HStr* xmlOut, bool prettyPrint) {
-  const auto entry = g_NodeSessMap.GetEntryBySess(node);
-  if (entry.m_pNode == nullptr) {
+  const DOMNode* pNode = FindObject<DOMNode>(node);
+  if (pNode == nullptr) {
     ClearString(xmlOut);
     return domErrRefGetXMLCommon;
   }
   CByteBuffer text;
   const TSXStatus status =
-      RunWrite(domErrSerialize, nullptr, [&] { text = TextOf(WrittenNode(entry), prettyPrint); });
+      RunWrite(domErrSerialize, nullptr, [&] { text = TextOf(*pNode, prettyPrint); });
   return status == 0 ? StoreBytes(text.View(), xmlOut) : status;
 }
 
@@ -78,10 +73,13 @@ TSXStatus TSXSaveFilePP(TSXRefId document, HostPath path, HStr* errorText) {
 TSXStatus TSXSetEncoding(TSXRefId document, uint64_t, HStr* encoding) {
   auto* pDom = FindObject<CXercesDOM>(document);
   if (pDom == nullptr) return domErrRefDocument;
-  const CWideText name(encoding);
-  if (!xercesc::XMLString::isValidEncName(name.Get())) return domErrInvalidCharacter;
-  SetDocumentEncoding(*pDom->m_pDoc, name.Get());
-  return 0;
+  bool isValid = false;
+  const TSXStatus status = Always<domErrUnexpected>::Run([&] {
+    const CWideText name(encoding);
+    isValid = xercesc::XMLString::isValidEncName(name.Get());
+    if (isValid) SetDocumentEncoding(*pDom->m_pDoc, name.Get());
+  });
+  return status == 0 && !isValid ? domErrInvalidCharacter : status;
 }
 
 TSXStatus TSXGetEncoding(TSXRefId document, uint64_t, HStr* encodingOut) {
