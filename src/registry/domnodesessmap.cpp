@@ -121,7 +121,7 @@ void CDOMNodeSessMap::WithdrawNode(DOMNode* pNode) {
   Erase(id, slot);
 }
 
-// Contract: nothing that happens in here stops the close that it is a part of.
+// Nothing in here may throw: the close that it is a part of goes on.
 void CDOMNodeSessMap::SweepDocument(DOMDocument* pDoc) {
   const auto list = m_OwnedBy.find(pDoc);
   if (list == m_OwnedBy.end()) return;
