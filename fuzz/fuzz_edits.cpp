@@ -307,7 +307,12 @@ class CEdits {
     if (pElement == nullptr || pElement->getAttributes()->getLength() == 0) return;
     DOMNode& attribute =
         *pElement->getAttributes()->item(m_Bytes.Byte() % pElement->getAttributes()->getLength());
-    if (HoldsReference(&attribute)) return;
+    // Of two attributes that it takes for one, the DOM finds the first.
+    const XMLCh* pLocal = attribute.getLocalName();
+    const DOMAttr* pFound = pLocal != nullptr
+                                ? pElement->getAttributeNodeNS(attribute.getNamespaceURI(), pLocal)
+                                : pElement->getAttributeNode(attribute.getNodeName());
+    if (pFound != &attribute || HoldsReference(&attribute)) return;
     auto& theirs = static_cast<DOMAttr&>(Twin(attribute));
     ForgetAttribute(*pElement, static_cast<DOMAttr*>(&attribute));
     Both(
