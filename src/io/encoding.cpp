@@ -30,6 +30,7 @@ std::unique_ptr<XMLTranscoder> NewTranscoder(const std::u16string& name) {
 
 template <class Transcoder>
 bool IsA(const XMLTranscoder& transcoder) {
+  // The transcoding service tells no kind, so a run-time cast does, once a document.
   return dynamic_cast<const Transcoder*>(&transcoder) != nullptr;
 }
 
