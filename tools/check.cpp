@@ -43,7 +43,8 @@ int RunCheck(const CCheckOptions& options, const CClient& client) {
       PrepareInputs(options.m_Files, client, EStandardInput::kStream);
   const CReadOptions read = ReadOptions(options, client);
   int result = kDone;
-  const auto report = [&](const CFault& fault, CSourceLines& source) {
+  const auto report = [&](CFault fault, CSourceLines& source) {
+    AddAdvice(fault, read);
     PrintError(FaultText(fault, source));
     result = kFailed;
   };

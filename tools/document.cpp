@@ -62,12 +62,17 @@ std::string Load(const CDocument& document, const CInput& input, const CReadOpti
   CSourceLines source = SourceOf(input);
   std::string lines;
   for (CFault& fault : ParserFaults(input.Name(), parseErrors.View())) {
-    const bool isRefused = fault.m_Message.find("' was refused: ") != std::string::npos;
-    if (isRefused && options.m_Access == 2) fault.m_Message += "; --network allows it";
+    AddAdvice(fault, options);
     lines += FaultText(fault, source);
   }
   if (!exceptionText.IsNull()) lines += StatusLine(input.Name(), status, exceptionText.View());
   return lines.empty() ? StatusLine(input.Name(), status, "could not be read") : lines;
+}
+
+void AddAdvice(CFault& fault, const CReadOptions& options) {
+  constexpr int32_t kNothing = 3;  // was asked for by an option
+  const bool isRefused = fault.m_Message.find("' was refused: ") != std::string::npos;
+  if (isRefused && options.m_Access != kNothing) fault.m_Message += "; --network allows it";
 }
 
 CDocument ReadDocument(const std::string& file, const CClient& client, CReadOptions options) {

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "fault.h"
 #include "input.h"
 #include "owners.h"
 
@@ -21,6 +22,9 @@ CDocument NewDocument();
 
 // Loads an input and gives the lines to print about it; none when all is well.
 std::string Load(const CDocument& document, const CInput& input, const CReadOptions& options);
+
+// Says of a reference that was refused which option allows it.
+void AddAdvice(CFault& fault, const CReadOptions& options);
 
 // The document of a file that a command cannot do without.
 CDocument ReadDocument(const CInput& input, const CClient& client, CReadOptions options = {});

@@ -75,19 +75,18 @@ void CEditedFile::Apply(const CEdit& edit) {
     if (m_Source) text = Spliced(m_Source->Text(), edit, nodes, m_Source->Encoding());
   });
   if (!m_Source) return;
-  const std::string written = WriteDocument(m_Document, m_Input.Name());
-  if (text && m_Source->SetText(*text) && Confirms(written)) return;
-  m_Source.reset();
-  m_Document = ReadDocument(CInput::OfText(m_Input.Name(), written), m_Client, m_Options);
+  if (!text || !m_Source->SetText(*text) || !IsConfirmed()) m_Source.reset();
 }
 
-// Reads the text in place of the tree, which is freed first, so that there are never two.
-bool CEditedFile::Confirms(const std::string& written) {
-  m_Document = NewDocument();
+// A text that names other files may be beyond reach where it is no file itself.
+bool CEditedFile::IsConfirmed() {
   try {
-    m_Document =
+    CDocument reread =
         ReadDocument(CInput::OfText(m_Input.Name(), m_Source->Bytes()), m_Client, m_Options);
-    return WriteDocument(m_Document, m_Input.Name()) == written;
+    const std::string& file = m_Input.Name();
+    if (WriteDocument(reread, file) != WriteDocument(m_Document, file)) return false;
+    m_Document = std::move(reread);
+    return true;
   } catch (const CFailure&) {
     return false;
   }

@@ -40,7 +40,7 @@ class CEditedFile {
   bool IsChangedInPlace() const { return m_Source.has_value(); }
 
  private:
-  bool Confirms(const std::string& written);
+  bool IsConfirmed();
 
   const CInput& m_Input;
   const CClient& m_Client;
