@@ -1,27 +1,12 @@
 // The parser that makes trees by the parts of their nodes.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <xercesc/parsers/XercesDOMParser.hpp>
 
-#include "dom/parts.h"
+#include "dom/pooledname.h"
 
 namespace dom {
-
-// The pooled strings of a document for the names of its nodes. The same few names come
-// again and again, and the document's own pool takes three passes for each.
-class CPooledNames {
- public:
-  // Forgets everything; the strings to come are this document's.
-  void Start(xercesc::DOMDocumentImpl& document);
-  // `slot` says where to look first, and may be anything.
-  const XMLCh* Of(const XMLCh* pName, std::size_t slot);
-
- private:
-  xercesc::DOMDocumentImpl* m_pDocument = nullptr;
-  std::array<const XMLCh*, 1024> m_Slots;  // null for none yet
-};
 
 // Makes the tree that its base would make: the same nodes, flags, IDs and exceptions.
 // The base finds the parts of nodes by run-time casts, several for each node. Entity

@@ -108,14 +108,16 @@ class CPlainEvaluation {
   std::u16string_view Text(const CExpression& expression, const CFocus& focus,
                            std::u16string& buffer);
   std::u16string_view Name(const CExpression& expression, const CFocus& focus);
+  std::u16string_view TextOf(const xercesc::DOMNode& node, std::u16string& buffer);
+  double NumberIn(std::u16string_view text);
+  double Limited(double number);
+
+  // -- Comparisons (plaincomparisons.cpp)
   bool Compare(const CExpression& expression, const CFocus& focus);
   bool CompareNodes(EKind kind, const CExpression& nodes, const CExpression& other,
                     const CFocus& focus);
   bool CompareAll(EKind kind, const CExpression& nodes, const CExpression& others,
                   const CFocus& focus);
-  std::u16string_view TextOf(const xercesc::DOMNode& node, std::u16string& buffer);
-  double NumberIn(std::u16string_view text);
-  double Limited(double number);
 
   void GiveUp() { m_GaveUp = true; }
 
