@@ -147,4 +147,10 @@ void NeedIds(DOMDocument& document, XMLSize_t ids) {
   GrowIds(impl, *pIndex, PrimeFrom(std::max(kLargestOfDOM, needed)));
 }
 
+void DropId(DOMDocument& document, const DOMAttr& id) {
+  DOMNodeIDMap& index = *Impl(document).getNodeIDMap();
+  DOMAttr** pTable = index.*Of(CIds{});
+  std::replace(pTable, pTable + index.*Of(CIdsSize{}), const_cast<DOMAttr*>(&id), Gone());
+}
+
 }  // namespace dom

@@ -1,4 +1,4 @@
-// Room in a document's hash tables, which the DOM does not let grow.
+// A document's hash tables, which the DOM does not let grow and hides.
 #pragma once
 
 #include <xercesc/dom/DOM.hpp>
@@ -21,5 +21,8 @@ class CNameRoom {
 // Room for so many more IDs. The DOM refuses to go beyond some 720,000, and leaves a table
 // without size behind when it does.
 void NeedIds(xercesc::DOMDocument& document, XMLSize_t ids);
+
+// Takes an ID out of the table wherever it is, also under another value than its own.
+void DropId(xercesc::DOMDocument& document, const xercesc::DOMAttr& id);
 
 }  // namespace dom

@@ -1,6 +1,5 @@
 #include "dom/idindex.h"
 
-#include <algorithm>
 #include <xercesc/dom/impl/DOMNodeIDMap.hpp>
 
 #include "dom/hashroom.h"
@@ -11,40 +10,13 @@ using xercesc::DOMNodeIDMap;
 
 namespace dom {
 
-namespace {
-
-// The table of the index is private, and nothing public walks it. An explicit
-// instantiation may name it.
-struct CSlots {
-  using Type = DOMAttr** DOMNodeIDMap::*;
-  friend Type Member(CSlots);
-};
-struct CSize {
-  using Type = XMLSize_t DOMNodeIDMap::*;
-  friend Type Member(CSize);
-};
-template <class Name, typename Name::Type kMember>
-struct CReveal {
-  friend typename Name::Type Member(Name) { return kMember; }
-};
-template struct CReveal<CSlots, &DOMNodeIDMap::fTable>;
-template struct CReveal<CSize, &DOMNodeIDMap::fSize>;
-
-// Marks the attribute's slot, wherever it is, as one that was used.
-void Drop(DOMNodeIDMap& index, const DOMAttr* pAttribute) {
-  DOMAttr** pSlots = index.*Member(CSlots{});
-  std::replace(pSlots, pSlots + index.*Member(CSize{}), const_cast<DOMAttr*>(pAttribute),
-               reinterpret_cast<DOMAttr*>(-1));  // NOLINT(performance-no-int-to-ptr): its mark
-}
-
-}  // namespace
-
 void Refile(DOMAttr& attribute) {
   if (!attribute.isId()) return;
-  DOMNodeIDMap* pIndex = Impl(*attribute.getOwnerDocument()).getNodeIDMap();
+  xercesc::DOMDocument& document = *attribute.getOwnerDocument();
+  DOMNodeIDMap* pIndex = Impl(document).getNodeIDMap();
   if (pIndex->find(attribute.getValue()) == &attribute) return;
-  Drop(*pIndex, &attribute);
-  NeedIds(*attribute.getOwnerDocument(), 1);
+  DropId(document, attribute);
+  NeedIds(document, 1);
   pIndex->add(&attribute);
 }
 
