@@ -84,6 +84,7 @@ constexpr std::array kDocuments{
     "<r>&undefined;</r>"sv,
     "<r>\xff</r>"sv,
     "<!--a--><?b c?><r/><!--d-->"sv,
+    "\xff\xfe<\0r\0>\0\xe9\0<\0/\0r\0>\0"sv,
     "<a><a><a><a><a><a><a><a>deep</a></a></a></a></a></a></a></a>"sv,
 };
 

@@ -15,6 +15,7 @@
 
 namespace {
 
+using std::string_view_literals::operator""sv;
 using support::ETold;
 
 // How an input is read and written.
@@ -39,7 +40,7 @@ struct COptions {
   std::string m_Encoding;
 };
 
-// A file that text goes through, since a string ends at a NUL byte.
+// A file that text goes through.
 class CFile {
  public:
   CFile() : m_Path(StandinPathFromText(Name().c_str())) {}
@@ -68,8 +69,7 @@ class CLoaded {
     const uint8_t namespaces = options.m_HasNamespaces ? 1 : 0, externalDTD = 0;
     TSXSetDoNamespaces(m_Doc.Id(), 0, &namespaces);
     TSXSetLoadExternalDTD(m_Doc.Id(), 0, &externalDTD);
-    m_IsGood =
-        (options.m_IsFile || xml.find('\0') != xml.npos ? LoadFile(xml) : m_Doc.Load(xml)) == 0;
+    m_IsGood = (options.m_IsFile ? LoadFile(xml) : LoadBytes(xml)) == 0;
     // The tree goes with the next load.
     m_pTree = static_cast<CXercesDOM*>(g_NodeSessMap.GetPtrBySess(m_Doc.Id()))->m_pDoc;
   }
@@ -80,6 +80,10 @@ class CLoaded {
   std::string Seen(const COptions& options) const { return Snapshot(*m_pTree, options.Told()); }
 
  private:
+  TSXStatus LoadBytes(std::string_view xml) const {
+    fuzz::CText text(xml), errors, exception;
+    return TSXLoadBytes(m_Doc.Id(), text.Out(), errors.Out(), exception.Out());
+  }
   TSXStatus LoadFile(std::string_view xml) const {
     const CFile file;
     fuzz::CText errors, exception;
@@ -97,6 +101,24 @@ std::string Bytes(HStr handle) {
   return {reinterpret_cast<const char*>((*handle)->bytes), static_cast<size_t>((*handle)->count)};
 }
 
+// What is written without declaration is the end of the text with it, behind a mark where
+// the encoding has one.
+void RequireEnd(TSXRefId document, const COptions& options, std::string_view text) {
+  fuzz::CText xml;
+  uint8_t declares = 0;
+  fuzz::RequireKnown(TSXSetWriteDeclaration(document, 0, &declares));
+  fuzz::RequireKnown(TSIGetXMLCommon(document, xml.Out(), options.m_IsPretty));
+  declares = 1;
+  fuzz::RequireKnown(TSXSetWriteDeclaration(document, 0, &declares));
+  const std::string bytes = Bytes(*xml.Out());
+  std::string_view bare = bytes;
+  for (const std::string_view mark : {"\xff\xfe\0\0"sv, "\xff\xfe"sv, "\xfe\xff"sv}) {
+    if (bare.starts_with(mark)) bare.remove_prefix(mark.size());
+  }
+  const bool declaresAll = bare.size() == text.size() || bare.starts_with("<?xml ");
+  if (declaresAll || !text.ends_with(bare)) fuzz::Fail("without declaration\n" + bytes);
+}
+
 // Nothing where the encoding lacks a character.
 bool IsWritten(TSXRefId document, const COptions& options, std::string& text) {
   fuzz::CText xml, error;
@@ -105,6 +127,7 @@ bool IsWritten(TSXRefId document, const COptions& options, std::string& text) {
   if (status != 0 && (options.IsUnicode() || status != domErrInvalidCharacter)) {
     fuzz::Fail("writing gave " + std::to_string(status));
   }
+  if (status == 0) RequireEnd(document, options, text);
   if (options.m_IsFile) {
     const CFile file;
     CFile::Write("old");

@@ -65,13 +65,20 @@ TSX_API TSXStatus TSXLoadFile(TSXRefId document, HostPath path, HStr* parseError
                               HStr* exceptionText);
 
 /* As TSXLoadFile, from XML text: bytes in whatever encoding the text declares, up
- * to the first NUL byte. Text in UTF-16 or UTF-32 holds NUL bytes and comes from
- * a file. Relative references resolve against "LoadXMLString", and what may be
+ * to the first NUL byte. Text in UTF-16 or UTF-32 holds NUL bytes: that is what
+ * TSXLoadBytes is for. Relative references resolve against "LoadXMLString", and what may be
  * read at all is said by TSXSetExternalAccess.
  *   domErrRefDocument   no document object
  *   domErrParse, domErrUnexpected */
 TSX_API TSXStatus TSXLoadString(TSXRefId document, HStr* xmlText, HStr* parseErrors,
                                 HStr* exceptionText);
+
+/* TSXLoadString with all bytes of the string, NUL bytes too: text as a file would hold
+ * it, in any encoding. Without a declaration that names it, UTF-16 and UTF-32 are known
+ * by a byte order mark, and all else is UTF-8. The parser takes a character NUL for the
+ * end of the text, also in a file. The bytes are copied once. */
+TSX_API TSXStatus TSXLoadBytes(TSXRefId document, HStr* bytes, HStr* parseErrors,
+                               HStr* exceptionText);
 
 /* Replaces an element, tag and attributes included, by the root element of an XML
  * document, parsed with the options of the element's document. The element's id
@@ -94,7 +101,7 @@ TSX_API TSXStatus TSXElementSetXML(TSXRefId element, HStr* xmlText, HStr* parseE
 /* Writes a node with all below it as XML text, in the encoding of its document,
  * and copies it to *xmlOut in one step: bytes in that encoding, not in the local
  * code page, and without a byte order mark. A document id writes the XML declaration
- * too. A tree of any depth is written.
+ * too, unless TSXSetWriteDeclaration says otherwise. A tree of any depth is written.
  *
  * What is written can be read again and means the same:
  *   A character that the encoding lacks is a reference in text, values, and the values
@@ -150,7 +157,23 @@ TSX_API TSXStatus TSXSaveFile(TSXRefId document, HostPath path, HStr* errorText)
 /* TSXSaveFile with the text of TSXGetXMLPP. */
 TSX_API TSXStatus TSXSaveFilePP(TSXRefId document, HostPath path, HStr* errorText);
 
-/* -- Encoding ------------------------------------------------------------- */
+/* -- Declaration and encoding --------------------------------------------- */
+
+/* Whether the texts and files of a document begin with an XML declaration, one byte: any
+ * value but 0 is true, and 1 is read back. Default: 1. It holds for TSXGetXML,
+ * TSXGetXMLPP and both saves until it is set again, also after a reload; the text of an
+ * element or another node never has one.
+ *
+ * Without it encoding and version of the document stay what they are, and the text does
+ * not say them. UTF-8 is what a reader takes such text for. In UTF-16 and UTF-32 a byte
+ * order mark stands in front, by which readers know both. A text in any other encoding
+ * is read wrongly, or refused, where it has characters beyond ASCII: set UTF-8 by
+ * TSXSetEncoding, US-ASCII, which has references in their place, or tell the reader the
+ * encoding by another way. Text of XML 1.1 is read as XML 1.0, which refuses control
+ * characters; that a document is standalone is lost.
+ *   domErrRefDocument       no document object; *value is neither read nor written */
+TSX_API TSXStatus TSXSetWriteDeclaration(TSXRefId document, uint64_t ignored, const uint8_t* value);
+TSX_API TSXStatus TSXGetWriteDeclaration(TSXRefId document, uint64_t ignored, uint8_t* value);
 
 /* Sets the encoding that the document is written in and declares. The name must
  * be an XML encoding name (a letter, then letters, digits, ".", "_" or "-"); it is

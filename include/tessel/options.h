@@ -1,9 +1,9 @@
 /* Parser options: how a document's parser reads what is loaded into it.
  *
  * Each document has a parser of its own, so options are per document. An option
- * holds for every later TSXLoadFile, TSXLoadString and TSXElementSetXML of that
- * document, until it is set again or the document is closed; what has been read
- * stays as it is.
+ * holds for every later TSXLoadFile, TSXLoadString, TSXLoadBytes and TSXElementSetXML
+ * of that document, until it is set again or the document is closed; what has been
+ * read stays as it is.
  *
  * Any thread may call, but two threads must not work on one document at the
  * same time, loading included. `document` is a document id as TSXDocumentOpen,

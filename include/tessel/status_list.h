@@ -77,11 +77,12 @@
   X(-2625, domErrSaveFile, "TSXSaveFile, TSXSaveFilePP", "the file could not be written", \
     "check the folder, the permissions, the free space and the document's encoding") \
   X(-2626, domErrRefDocument, \
-    "TSXLoadString, TSXElementSetXML, TSXGetEncoding, TSXSetEncoding, TSXSetExternalAccess, " \
+    "TSXLoadString, TSXLoadBytes, TSXElementSetXML, TSXGetEncoding, TSXSetEncoding, " \
+    "TSXSetWriteDeclaration, TSXGetWriteDeclaration, TSXSetExternalAccess, " \
     "TSXGetExternalAccess, TSXSetEntityTextLimit, TSXGetEntityTextLimit, XPathBindPrefix", \
     "the id names no document, or for TSXElementSetXML no element with a parent in a document", \
     "pass the id of an open document, or of an attached element") \
-  X(-2628, domErrParse, "TSXLoadFile, TSXLoadString, TSXElementSetXML", \
+  X(-2628, domErrParse, "TSXLoadFile, TSXLoadString, TSXLoadBytes, TSXElementSetXML", \
     "the parser reported errors or gave up", \
     "show the lines in parseErrors and the text in exceptionText") \
   X(-2629, domErrUnexpected, \

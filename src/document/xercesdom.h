@@ -69,6 +69,7 @@ class CXercesDOM : public xercesc::DOMNode {
   CTreeParser* m_pParser = nullptr;
   DOMTreeErrorReporter* m_pErrorReporter = nullptr;
   CPrefixBindings m_PrefixBindings;
+  bool m_WritesDeclaration = true;
 
  private:
   // Ends a parse that expands more than 50,000 entities in its content, the XML

@@ -29,6 +29,8 @@ class CEncoding {
     return m_Reach == EReach::kAll || (m_Reach == EReach::kAsked ? Ask(code) : code < m_End);
   }
   bool HasAll() const { return m_Reach == EReach::kAll; }
+  // Whether a parser knows it by a byte order mark alone: UTF-16 and UTF-32.
+  bool IsWide() const { return HasAll() && m_pTranscoder != nullptr; }
 
   // Turns UTF-8 into the encoding.
   void Encode(CByteBuffer& text);

@@ -36,6 +36,16 @@ TSXStatus Load(CXercesDOM& dom, const CParseTexts& texts, HStr* pParseErrors, HS
   });
 }
 
+// Contract: no file lock here, unlike the load of a file.
+TSXStatus LoadText(TSXRefId document, HStr* pText, EBytes bytes, HStr* pParseErrors,
+                   HStr* pExceptionText) {
+  auto* pDom = FindObject<CXercesDOM>(document);
+  if (pDom == nullptr) return domErrRefDocument;
+  return Load(*pDom, kStringTexts, pParseErrors, pExceptionText, [&] {
+    return ParseAndTake(*pDom, CStringSource(pText, bytes, "LoadXMLString").Get());
+  });
+}
+
 }  // namespace
 
 TSXStatus TSXLoadFile(TSXRefId document, HostPath path, HStr* parseErrors, HStr* exceptionText) {
@@ -49,10 +59,10 @@ TSXStatus TSXLoadFile(TSXRefId document, HostPath path, HStr* parseErrors, HStr*
               [&] { return ParseAndTake(*pDom, native.Get()); });
 }
 
-// Contract: no file lock here, unlike the other load.
 TSXStatus TSXLoadString(TSXRefId document, HStr* xmlText, HStr* parseErrors, HStr* exceptionText) {
-  auto* pDom = FindObject<CXercesDOM>(document);
-  if (pDom == nullptr) return domErrRefDocument;
-  return Load(*pDom, kStringTexts, parseErrors, exceptionText,
-              [&] { return ParseAndTake(*pDom, CStringSource(xmlText, "LoadXMLString").Get()); });
+  return LoadText(document, xmlText, EBytes::kToNul, parseErrors, exceptionText);
+}
+
+TSXStatus TSXLoadBytes(TSXRefId document, HStr* bytes, HStr* parseErrors, HStr* exceptionText) {
+  return LoadText(document, bytes, EBytes::kAll, parseErrors, exceptionText);
 }

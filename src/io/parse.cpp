@@ -2,12 +2,21 @@
 
 #include <tessel/status.h>
 
+#include <algorithm>
 #include <cstring>
 
-CStringSource::CStringSource(HStr* pText, const char* pSystemId)
+namespace {
+
+std::size_t CountOf(const HStr* pText) {
+  return *pText != nullptr ? static_cast<std::size_t>(std::max((**pText)->count, 0)) : 0;
+}
+
+}  // namespace
+
+CStringSource::CStringSource(HStr* pText, EBytes bytes, const char* pSystemId)
     : m_Text(pText),
-      m_Source(reinterpret_cast<const XMLByte*>(m_Text.Get()), std::strlen(m_Text.Get()),
-               pSystemId) {}
+      m_Source(reinterpret_cast<const XMLByte*>(m_Text.Get()),
+               bytes == EBytes::kAll ? CountOf(pText) : std::strlen(m_Text.Get()), pSystemId) {}
 
 TSXStatus ReportParse(CXercesDOM& dom, HStr* pParseErrors) {
   if (dom.m_pParser->getErrorCount() == 0) {

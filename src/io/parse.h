@@ -11,10 +11,13 @@
 #include "host/domowner.h"
 #include "host/text.h"
 
-// The bytes of a host string up to the first NUL, as the parser wants them.
+// Which bytes of a host string are the text.
+enum class EBytes { kToNul, kAll };
+
+// The bytes of a host string, as the parser wants them.
 class CStringSource {
  public:
-  CStringSource(HStr* pText, const char* pSystemId);
+  CStringSource(HStr* pText, EBytes bytes, const char* pSystemId);
   const xercesc::InputSource& Get() const { return m_Source; }
 
  private:

@@ -37,7 +37,7 @@ TSXStatus TSXElementSetXML(TSXRefId element, HStr* xmlText, HStr* parseErrors,
   CXercesDOM* pDom = g_NodeDomMap.GetDomByNode(dom::OwnerDocument(*pElement));
   if (pDom == nullptr) return domErrRefDocument;
   return RunParse(kTexts, exceptionText, [&]() -> TSXStatus {
-    const CStringSource source(xmlText, "SetXMLString");
+    const CStringSource source(xmlText, EBytes::kToNul, "SetXMLString");
     const CDOMOwner<DOMDocument> parsed = ParseAndTake(*pDom, source.Get());
     DOMElement* pParsedRoot = parsed != nullptr ? parsed->getDocumentElement() : nullptr;
     if (parsed != nullptr) {

@@ -2,9 +2,12 @@
 
 #include <xercesc/util/XMLString.hpp>
 
+#include "document/xercesdom.h"
+#include "dom/look.h"
 #include "io/declarations.h"
 #include "io/layout.h"
 #include "io/unwritable.h"
+#include "registry/globals.h"
 
 using xercesc::DOMAttr;
 using xercesc::DOMDocument;
@@ -28,6 +31,23 @@ bool IsXml11(const DOMDocument* pDocument) {
 bool HasDocType(const DOMNode& node) {
   return node.getNodeType() == DOMNode::DOCUMENT_NODE &&
          static_cast<const DOMDocument&>(node).getDoctype() != nullptr;
+}
+
+// A document without document object, as a clone is, has its declaration.
+bool HasDeclaration(const DOMDocument& document) {
+  const CXercesDOM* pDom = g_NodeDomMap.GetDomByNode(dom::TreeOf(document));
+  return pDom == nullptr || pDom->m_WritesDeclaration;
+}
+
+// The declaration, or without it the mark that UTF-16 and UTF-32 are then known by, whose
+// size is given.
+std::size_t WriteHead(CTextWriter& out, const DOMDocument& document) {
+  if (HasDeclaration(document)) {
+    WriteXmlDeclaration(out, document);
+    return 0;
+  }
+  if (out.Encoding().IsWide()) out.Verbatim(u"\uFEFF");
+  return out.Bytes().Size();
 }
 
 }  // namespace
@@ -125,7 +145,7 @@ void CTreeWriter::LayOut(const DOMElement& element, COpen& open) const {
 // The nodes of a document have a line each; a fragment is like the content of an element.
 const DOMNode* CTreeWriter::BeginContainer(const DOMNode& node) {
   const bool isDocument = node.getNodeType() == DOMNode::DOCUMENT_NODE;
-  if (isDocument) WriteXmlDeclaration(m_Out, *DocumentOf(node));
+  if (isDocument) m_MarkSize = WriteHead(m_Out, *DocumentOf(node));
   const layout::EContent content = layout::ContentOf(node);
   COpen open{&node};
   open.m_IsLaidOut = m_IsPretty && (isDocument || content == layout::EContent::kElements);
@@ -153,7 +173,7 @@ void CTreeWriter::End() {
 
 // Not in front of all text.
 void CTreeWriter::NewLine(std::size_t level) {
-  if (m_Out.Bytes().Size() != 0) m_Out.NewLine(level);
+  if (m_Out.Bytes().Size() != m_MarkSize) m_Out.NewLine(level);
 }
 
 void CTreeWriter::WriteComment(std::u16string_view text) {

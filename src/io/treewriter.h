@@ -44,9 +44,11 @@ class CTreeWriter {
   const xercesc::DOMNode& m_Root;
   const bool m_IsPretty;
   bool m_HasContainer = false;  // the outermost node is a document or a fragment
+  std::size_t m_MarkSize = 0;   // of the byte order mark
   std::vector<COpen> m_Open;
   CStartTags m_StartTags;
 };
 
-// The text of a node in the encoding of its document, with the declaration of a document.
+// The text of a node in the encoding of its document, with the declaration of a document
+// unless its document object goes without.
 CByteBuffer TextOf(const xercesc::DOMNode& node, bool isPretty);

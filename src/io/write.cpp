@@ -70,6 +70,20 @@ TSXStatus TSXSaveFilePP(TSXRefId document, HostPath path, HStr* errorText) {
   return SaveFile(document, path, errorText, true);
 }
 
+TSXStatus TSXSetWriteDeclaration(TSXRefId document, uint64_t, const uint8_t* value) {
+  auto* pDom = FindObject<CXercesDOM>(document);
+  if (pDom == nullptr) return domErrRefDocument;
+  pDom->m_WritesDeclaration = *value != 0;
+  return 0;
+}
+
+TSXStatus TSXGetWriteDeclaration(TSXRefId document, uint64_t, uint8_t* value) {
+  auto* pDom = FindObject<CXercesDOM>(document);
+  if (pDom == nullptr) return domErrRefDocument;
+  *value = pDom->m_WritesDeclaration ? 1 : 0;
+  return 0;
+}
+
 TSXStatus TSXSetEncoding(TSXRefId document, uint64_t, HStr* encoding) {
   auto* pDom = FindObject<CXercesDOM>(document);
   if (pDom == nullptr) return domErrRefDocument;
