@@ -12,6 +12,7 @@ namespace {
 
 struct CCheckOptions {
   std::vector<std::string> m_Files;
+  std::vector<std::string> m_Schemas;  // files
   bool m_DTD = false;
   bool m_Schema = false;
   bool m_Full = false;
@@ -23,7 +24,7 @@ CReadOptions ReadOptions(const CCheckOptions& options, const CClient& client) {
   constexpr int32_t kNever = 0;
   constexpr int32_t kAlways = 1;
   CReadOptions read;
-  const bool schema = options.m_Schema || options.m_Full;
+  const bool schema = options.m_Schema || options.m_Full || !options.m_Schemas.empty();
   // A DTD declares names as they are written, prefix and all.
   read.m_Namespaces = options.m_DTD && !schema ? 0 : 1;
   read.m_Validation = options.m_DTD || schema ? kAlways : kNever;
@@ -39,8 +40,12 @@ CReadOptions ReadOptions(const CCheckOptions& options, const CClient& client) {
 }
 
 int RunCheck(const CCheckOptions& options, const CClient& client) {
+  std::vector<CInput> schemas;
+  for (const std::string& file : options.m_Schemas) {
+    schemas.emplace_back(file, EStandardInput::kStream);
+  }
   const std::vector<CInput> inputs =
-      PrepareInputs(options.m_Files, client, EStandardInput::kStream);
+      PrepareInputs(options.m_Files, client, EStandardInput::kStream, schemas);
   const CReadOptions read = ReadOptions(options, client);
   int result = kDone;
   const auto report = [&](CFault fault, CSourceLines& source) {
@@ -48,14 +53,18 @@ int RunCheck(const CCheckOptions& options, const CClient& client) {
     PrintError(FaultText(fault, source));
     result = kFailed;
   };
+  CChecker checker(read, report);
+  const auto run = [&](const CInput& input, void (CChecker::*pWork)(const CInput&)) {
+    if (input.Problem().empty()) return (checker.*pWork)(input);
+    PrintError(Line(input.Name(), input.Problem()));
+    result = kFailed;
+  };
+  for (const CInput& schema : schemas) run(schema, &CChecker::AddSchema);
+  // By a schema at fault, a document would be, too.
+  if (result == kFailed) return result;
   for (const CInput& input : inputs) {
     NextFile();
-    if (input.Problem().empty()) {
-      Check(input, read, report);
-    } else {
-      PrintError(Line(input.Name(), input.Problem()));
-      result = kFailed;
-    }
+    run(input, &CChecker::Check);
   }
   return result;
 }
@@ -71,6 +80,13 @@ void AddCheck(CLI::App& app, CClient& client) {
       pCheck->add_flag("--dtd", options->m_DTD, "They must be valid by the DTD that they name");
   CLI::Option* pSchema = pCheck->add_flag("--schema", options->m_Schema,
                                           "They must be valid by the schemas that they name");
+  CLI::Option* pOwn =
+      pCheck
+          ->add_option("--xsd", options->m_Schemas,
+                       "They must be valid by this schema, which comes before what they name;\n"
+                       "may be given again and again")
+          ->type_name("FILE")
+          ->allow_extra_args(false);
   CLI::Option* pFull =
       pCheck->add_flag("--full", options->m_Full,
                        "As --schema, and the schemas are checked by the costly rules too");
@@ -79,14 +95,16 @@ void AddCheck(CLI::App& app, CClient& client) {
                  "Do not read external DTDs; only without validation, which always reads them")
       ->excludes(pDTD)
       ->excludes(pSchema)
-      ->excludes(pFull);
+      ->excludes(pFull)
+      ->excludes(pOwn);
   pCheck->footer(
       "Faults are printed as FILE:LINE:COLUMN: message on standard error, with the line and a\n"
       "caret below. Exit status 0: no fault; 1: faults.\n\n"
       "Examples:\n"
       "  tessel check *.xml\n"
       "  tessel check --dtd catalogue.xml\n"
-      "  tessel check --schema --no-external order.xml");
+      "  tessel check --schema --no-external order.xml\n"
+      "  tessel check --xsd order.xsd orders/*.xml");
   pCheck->callback(
       [options, &client] { client.m_Run = [=, &client] { return RunCheck(*options, client); }; });
 }

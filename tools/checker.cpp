@@ -4,19 +4,15 @@
 
 #include <filesystem>
 #include <map>
-#include <memory>
+#include <optional>
 #include <utility>
-#include <xercesc/framework/StdInInputSource.hpp>
-#include <xercesc/parsers/SAXParser.hpp>
+#include <xercesc/framework/XMLGrammarPoolImpl.hpp>
 #include <xercesc/sax/HandlerBase.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/TransService.hpp>
-#include <xercesc/validators/DTD/DTDElementDecl.hpp>
 
-#include "document/contentmodel.h"
-#include "document/externalresolver.h"
-#include "document/prefixscope.h"
+#include "checkparser.h"
 #include "message.h"
 
 namespace {
@@ -38,85 +34,6 @@ std::string PathOfLines(const CInput& input) {
   if (!input.Path().empty()) return input.Path();
   return lseek(STDIN_FILENO, 0, SEEK_CUR) == 0 ? "/proc/self/fd/0" : "";
 }
-
-// Reads beside the document, and lets it expand, as the library's own parser does: its
-// rules are compiled into the client.
-class CCheckParser final : public SAXParser {
- public:
-  // The base asks to be told of what handlers of its own were set for: here there are none.
-  CCheckParser() : m_Stop(Scanner()) {
-    Scanner().setDocHandler(this);
-    Scanner().setDocTypeHandler(this);
-    Scanner().setEntityHandler(this);
-  }
-
-  // The stream of an input, and what is read from it.
-  std::unique_ptr<xercesc::InputSource> SourceOf(const CInput& input, int32_t access) {
-    m_Resolver.Policy().SetMode(access);
-    if (!input.Path().empty()) return m_Resolver.Document(input.Path().c_str());
-    m_Resolver.Policy().SetDocument("");
-    return std::make_unique<xercesc::StdInInputSource>();
-  }
-  void Read(const xercesc::InputSource& source) {
-    const CExpansionLimits::CLoad load(m_Limits);
-    m_Stop.Begin();
-    m_Prefixes.Begin();
-    parse(source);
-    m_Resolver.Lost().Free();
-  }
-
-  xercesc::InputSource* resolveEntity(xercesc::XMLResourceIdentifier* pResource) override {
-    m_Stop.RequireGoing();
-    const bool needsDocumentType =
-        pResource->getLocator() == getScanner().getLocator() && getValidationScheme() != Val_Never;
-    return m_Resolver.Resolve(*pResource, needsDocumentType).release();
-  }
-  void startExtSubset() override {
-    m_Resolver.Lost().TakeFrom(*getScanner().getReaderMgr());
-    SAXParser::startExtSubset();
-  }
-  void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
-                    const XMLCh* pPrefix, const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
-                    XMLSize_t count, bool isEmpty, bool isRoot) override {
-    m_Stop.RequireGoing();
-    m_Limits.RequireFewExpansions();
-    if (getDoNamespaces()) {
-      m_Prefixes.Enter(Scanner(), pPrefix, attributes, count);
-    }
-    SAXParser::startElement(declaration, uri, pPrefix, attributes, count, isEmpty, isRoot);
-  }
-  void endElement(const xercesc::XMLElementDecl& declaration, unsigned int uri, bool isRoot,
-                  const XMLCh* pPrefix) override {
-    m_Prefixes.Leave();
-    SAXParser::endElement(declaration, uri, isRoot, pPrefix);
-  }
-  void elementDecl(const xercesc::DTDElementDecl& declaration, bool isIgnored) override {
-    if (getValidationScheme() != Val_Never && IsTooDeep(declaration.getContentSpec())) {
-      m_Stop.Stop(u"the content model is too large for the stack of this thread");
-    }
-    SAXParser::elementDecl(declaration, isIgnored);
-  }
-  // The parser goes on after a fault in the text, and not after one that the rules made.
-  void error(unsigned int code, const XMLCh* pDomain, ErrTypes type, const XMLCh* pText,
-             const XMLCh* pSystemId, const XMLCh* pPublicId, XMLFileLoc line,
-             XMLFileLoc column) override {
-    m_Stop.OnError();
-    if (code == xercesc::XMLErrs::XMLException_Fatal ||
-        code == xercesc::XMLErrs::EntityExpansionLimitExceeded) {
-      setExitOnFirstFatalError(true);
-    }
-    SAXParser::error(code, pDomain, type, pText, pSystemId, pPublicId, line, column);
-  }
-
- private:
-  // It is ours, and the base gives it for reading alone.
-  xercesc::XMLScanner& Scanner() { return const_cast<xercesc::XMLScanner&>(getScanner()); }
-
-  CLoadStop m_Stop;
-  CExpansionLimits m_Limits{m_Stop};
-  CExternalResolver m_Resolver{m_Stop, m_Limits};
-  CPrefixScope m_Prefixes;
-};
 
 class CReporter final : public xercesc::ErrorHandler {
  public:
@@ -164,7 +81,7 @@ class CReporter final : public xercesc::ErrorHandler {
   SAXParser& m_Parser;
   const CInput& m_Input;
   int m_Fatal = 0;
-  std::pair<XMLFileLoc, XMLFileLoc> m_LastFatal{};
+  std::optional<std::pair<XMLFileLoc, XMLFileLoc>> m_LastFatal;
   std::string m_Own;  // its name as the parser has it
   const std::function<void(const CFault&, CSourceLines&)>& m_Report;
   std::string m_Path = PathOfLines(m_Input);
@@ -183,16 +100,25 @@ void SetUp(SAXParser& parser, const CReadOptions& options) {
 
 }  // namespace
 
-void Check(const CInput& input, const CReadOptions& options,
-           const std::function<void(const CFault&, CSourceLines&)>& report) {
-  CCheckParser parser;
-  const std::unique_ptr<xercesc::InputSource> source = parser.SourceOf(input, options.m_Access);
+CChecker::CChecker(const CReadOptions& options, CReport report)
+    : m_Options(options), m_Report(std::move(report)) {}
+
+void CChecker::AddSchema(const CInput& schema) {
+  if (m_pSchemas == nullptr) m_pSchemas = std::make_unique<xercesc::XMLGrammarPoolImpl>();
+  Run(schema, &CCheckParser::ReadSchema);
+}
+
+void CChecker::Check(const CInput& input) { Run(input, &CCheckParser::Read); }
+
+void CChecker::Run(const CInput& input, CWork work) {
+  CCheckParser parser(m_pSchemas.get());
+  const std::unique_ptr<xercesc::InputSource> source = parser.SourceOf(input, m_Options.m_Access);
   if (source == nullptr) throw CFailure(Line(input.Name(), "there is no current folder"));
-  CReporter reporter(parser, input, UTF8(source->getSystemId()), report);
-  SetUp(parser, options);
+  CReporter reporter(parser, input, UTF8(source->getSystemId()), m_Report);
+  SetUp(parser, m_Options);
   parser.setErrorHandler(&reporter);
   try {
-    parser.Read(*source);
+    (parser.*work)(*source);
   } catch (const xercesc::OutOfMemoryException&) {
     throw std::bad_alloc();
   } catch (const xercesc::XMLException& exception) {

@@ -4,17 +4,18 @@ _tessel_options() {
   case $1 in
     tree) echo --no-attributes ;;
     format) echo --pretty --indent --no-declaration --encoding --output ;;
-    check) echo --dtd --schema --full --no-external-dtd ;;
-    query) echo --text --count --no-namespaces ;;
-    set) echo --attribute --output --in-place --no-namespaces ;;
-    delete | rename) echo --output --in-place --no-namespaces ;;
+    check) echo --dtd --schema --full --xsd --no-external-dtd ;;
+    query) echo --text --count --namespace --no-namespaces ;;
+    set) echo --attribute --output --in-place --namespace --no-namespaces ;;
+    delete | rename) echo --output --in-place --namespace --no-namespaces ;;
     insert)
       echo --before --after --first --last --text --comment --element \
-        --output --in-place --no-namespaces
+        --output --in-place --namespace --no-namespaces
       ;;
     edit)
       echo --set --set-attribute --delete --rename --insert-before --insert-after \
-        --insert-first --insert-last --output --in-place --no-namespaces
+        --insert-first --insert-last --output --in-place --namespace \
+        --no-namespaces
       ;;
     explain) echo --all --markdown ;;
   esac

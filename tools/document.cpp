@@ -1,6 +1,7 @@
 #include "document.h"
 
 #include "message.h"
+#include "prefixes.h"
 
 namespace {
 
@@ -12,6 +13,7 @@ void SetOptions(const CDocument& document, const CReadOptions& options) {
   Require(TSXSetValidationSchemaFullChecking(id, 0, &options.m_FullChecking), "full checking");
   Require(TSXSetLoadExternalDTD(id, 0, &options.m_ExternalDTD), "external DTD");
   Require(TSXSetExternalAccess(id, 0, &options.m_Access), "external access");
+  BindPrefixes(document, options.m_Prefixes);
 }
 
 TSXStatus LoadInput(const CDocument& document, const CInput& input, CText& parseErrors,
@@ -45,6 +47,13 @@ std::string ByteOrderMark(const std::string& encoding, std::string_view xml) {
 }
 
 }  // namespace
+
+CReadOptions OptionsFor(const CNameOptions& names) {
+  CReadOptions options;
+  options.m_Namespaces = names.m_NoNamespaces ? 0 : 1;
+  options.m_Prefixes = names.m_Prefixes;
+  return options;
+}
 
 CDocument NewDocument() {
   CDocument document;

@@ -3,6 +3,7 @@
 #define TESSEL_TOOLS_DOCUMENT_H
 
 #include <string>
+#include <vector>
 
 #include "fault.h"
 #include "input.h"
@@ -14,8 +15,13 @@ struct CReadOptions {
   uint8_t m_Schema = 0;
   uint8_t m_FullChecking = 0;
   uint8_t m_ExternalDTD = 1;
-  int32_t m_Access = 2;  // as TSXSetExternalAccess takes it
+  int32_t m_Access = 2;                      // as TSXSetExternalAccess takes it
+  std::vector<std::string> m_Prefixes = {};  // to bind, each PREFIX=URI
 };
+
+// For a command with expressions.
+struct CNameOptions;
+CReadOptions OptionsFor(const CNameOptions& names);
 
 // A document with nothing in it yet.
 CDocument NewDocument();

@@ -9,6 +9,7 @@
 #include "edited.h"
 #include "message.h"
 #include "output.h"
+#include "prefixes.h"
 #include "progress.h"
 
 namespace {
@@ -18,16 +19,14 @@ struct CEditOptions {
   std::vector<CEdit> m_Edits{CEdit{}};
   std::string m_Output;
   bool m_InPlace = false;
-  bool m_NoNamespaces = false;
+  CNameOptions m_Names;
 
   CEdit& Only() { return m_Edits.front(); }
 };
 using COptions = std::shared_ptr<CEditOptions>;
 
 void EditFile(const CInput& input, const CEditOptions& options, const CClient& client) {
-  CReadOptions read;
-  read.m_Namespaces = options.m_NoNamespaces ? 0 : 1;
-  CEditedFile file(input, client, read);
+  CEditedFile file(input, client, OptionsFor(options.m_Names));
   for (const CEdit& edit : options.m_Edits) file.Apply(edit);
   if (!file.IsChangedInPlace()) {
     PrintError(Line(input.Name(), "its text cannot be changed in part, so it is written anew"));
@@ -74,8 +73,7 @@ CLI::App* AddCommand(CLI::App& app, CClient& client, const char* pName, const ch
       ->add_flag("--in-place", options->m_InPlace,
                  "Replace FILE, in one step; it is kept as it was if anything fails")
       ->excludes(pOutput);
-  pCommand->add_flag("--no-namespaces", options->m_NoNamespaces,
-                     "Take names as they are written, prefix and all");
+  AddNameOptions(pCommand, options->m_Names);
   pCommand->callback(
       [options, &client] { client.m_Run = [=, &client] { return RunEdits(*options, client); }; });
   return pCommand;

@@ -143,12 +143,15 @@ void CInput::SpoolText() {
 }
 
 std::vector<CInput> PrepareInputs(const std::vector<std::string>& files, const CClient& client,
-                                  EStandardInput standardInput) {
+                                  EStandardInput standardInput, const std::vector<CInput>& others) {
   std::vector<CInput> inputs;
   std::vector<std::string> paths;
   for (const std::string& file : files) {
     inputs.emplace_back(file, standardInput);
     if (inputs.back().Problem().empty()) paths.push_back(inputs.back().Path());
+  }
+  for (const CInput& other : others) {
+    if (other.Problem().empty()) paths.push_back(other.Path());
   }
   if (client.m_NoExternal) AllowReadingOnly(paths);
   StartProgress(inputs);

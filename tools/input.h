@@ -77,10 +77,11 @@ class CInput {
   CDescriptor m_Spool;
 };
 
-// The inputs of a command, after which --no-external holds: from then on no other file
-// can be read. Progress starts; with PrepareInput it is at the file, too.
+// The inputs of a command, after which --no-external holds: from then on no file but these
+// and the others can be read. Progress starts; with PrepareInput it is at the file, too.
 std::vector<CInput> PrepareInputs(const std::vector<std::string>& files, const CClient& client,
-                                  EStandardInput standardInput = EStandardInput::kRead);
+                                  EStandardInput standardInput = EStandardInput::kRead,
+                                  const std::vector<CInput>& others = {});
 CInput PrepareInput(const std::string& file, const CClient& client);
 
 // True when everything was written; false with errno.

@@ -57,16 +57,40 @@ CText Property(TSXRefId node, CStringGetter getter) {
   return text;
 }
 
+namespace {
+
+void RequireEvaluated(TSXStatus status, const CText& errorText, const std::string& file) {
+  if (status != 0 && !errorText.IsNull()) {
+    throw CFailure(StatusLine(file, status, errorText.View()));
+  }
+  Require(status, file);
+}
+
+}  // namespace
+
 CNodeArray Select(const CDocument& document, const std::string& file,
                   const std::string& expression) {
   CText text(expression);
   CText errorText;
   CNodeArray nodes;
-  const TSXStatus status =
-      XPathEvaluateContextToNodeArray(document.Get(), text.Get(), nodes.Get(), errorText.Get());
-  if (status != 0 && !errorText.IsNull()) {
-    throw CFailure(StatusLine(file, status, errorText.View()));
-  }
-  Require(status, file);
+  RequireEvaluated(
+      XPathEvaluateContextToNodeArray(document.Get(), text.Get(), nodes.Get(), errorText.Get()),
+      errorText, file);
   return nodes;
+}
+
+std::optional<std::string> ValueOf(const CDocument& document, const std::string& file,
+                                   const std::string& expression) {
+  constexpr int32_t kNodes = 1;
+  CText text(expression);
+  CText errorText;
+  int32_t type = 0;
+  RequireEvaluated(XPathGetExpressionType(document.Get(), text.Get(), &type, errorText.Get()),
+                   errorText, file);
+  if (type == kNodes) return std::nullopt;
+  CText value;
+  RequireEvaluated(
+      XPathEvaluateContextToString(document.Get(), text.Get(), value.Get(), errorText.Get()),
+      errorText, file);
+  return std::string(value.View());
 }

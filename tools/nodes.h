@@ -2,6 +2,7 @@
 #ifndef TESSEL_TOOLS_NODES_H
 #define TESSEL_TOOLS_NODES_H
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -45,5 +46,9 @@ CText Property(TSXRefId node, CStringGetter getter);
 // the message of a failure.
 CNodeArray Select(const CDocument& document, const std::string& file,
                   const std::string& expression);
+
+// The value of an expression as a string; none for one that selects nodes.
+std::optional<std::string> ValueOf(const CDocument& document, const std::string& file,
+                                   const std::string& expression);
 
 #endif

@@ -6,6 +6,7 @@
 #include "message.h"
 #include "nodes.h"
 #include "output.h"
+#include "prefixes.h"
 
 namespace {
 
@@ -14,7 +15,7 @@ struct CQueryOptions {
   std::string m_Expression;
   bool m_Text = false;
   bool m_Count = false;
-  bool m_NoNamespaces = false;
+  CNameOptions m_Names;
 };
 
 // An attribute is no XML alone, so the writer refuses it.
@@ -43,10 +44,7 @@ std::string NodeText(TSXRefId node, const std::string& file) {
   return std::string(text.View());
 }
 
-int RunQuery(const CQueryOptions& options, const CClient& client) {
-  CReadOptions read;
-  read.m_Namespaces = options.m_NoNamespaces ? 0 : 1;
-  const CDocument document = ReadDocument(options.m_File, client, read);
+int PrintNodes(const CDocument& document, const CQueryOptions& options) {
   const CNodeArray nodes = Select(document, options.m_File, options.m_Expression);
   if (options.m_Count) {
     Print(std::to_string(nodes.Size()) + '\n');
@@ -59,25 +57,34 @@ int RunQuery(const CQueryOptions& options, const CClient& client) {
   return nodes.Size() > 0 ? kDone : kFailed;
 }
 
+int RunQuery(const CQueryOptions& options, const CClient& client) {
+  const CDocument document = ReadDocument(options.m_File, client, OptionsFor(options.m_Names));
+  const auto value = ValueOf(document, options.m_File, options.m_Expression);
+  if (!value || options.m_Count) return PrintNodes(document, options);
+  Print(*value + '\n');
+  return kDone;
+}
+
 }  // namespace
 
 void AddQuery(CLI::App& app, CClient& client) {
   auto options = std::make_shared<CQueryOptions>();
   CLI::App* pQuery =
-      app.add_subcommand("query", "Print the nodes that an XPath expression selects");
+      app.add_subcommand("query", "Print what an XPath expression gives: nodes, or a value");
   pQuery->add_option("FILE", options->m_File, "XML file; - is standard input")->required();
   pQuery->add_option("EXPRESSION", options->m_Expression, "XPath expression")->required();
   CLI::Option* pText =
       pQuery->add_flag("--text", options->m_Text, "Print the text of each node, not its XML");
   pQuery->add_flag("--count", options->m_Count, "Print how many nodes there are")->excludes(pText);
-  pQuery->add_flag("--no-namespaces", options->m_NoNamespaces,
-                   "Take names as they are written, prefix and all");
+  AddNameOptions(pQuery, options->m_Names);
   pQuery->footer(
-      "Exit status 0: something found; 1: nothing found, or an error.\n\n"
+      "Exit status 0: something found, or a value; 1: nothing found, or an error.\n\n"
       "Examples:\n"
       "  tessel query catalogue.xml '//tile[@size > 20]'\n"
       "  tessel query --text catalogue.xml //colour\n"
-      "  tessel query --count catalogue.xml //@id");
+      "  tessel query --count catalogue.xml //@id\n"
+      "  tessel query catalogue.xml 'sum(//@size) div count(//@size)'\n"
+      "  tessel query -N s=http://www.w3.org/2000/svg picture.svg //s:path");
   pQuery->callback(
       [options, &client] { client.m_Run = [=, &client] { return RunQuery(*options, client); }; });
 }

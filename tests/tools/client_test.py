@@ -83,6 +83,11 @@ AMBIGUOUS = """<xs:schema xmlns:xs="http://www.w3.org/2001/XMLSchema">
 </xs:sequence></xs:complexType></xs:element></xs:schema>"""
 
 
+def schema_of(namespace, content):
+    target = f' targetNamespace="{namespace}"' if namespace else ""
+    return f'<xs:schema xmlns:xs="http://www.w3.org/2001/XMLSchema"{target}>{content}</xs:schema>'
+
+
 def by_schema(schema, content):
     return ('<n xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance" '
             f'xsi:noNamespaceSchemaLocation="{schema}">{content}</n>')
@@ -98,9 +103,21 @@ FILES = {
     "broken.xml": "<a>\n <b></a>",
     "valid.xml": "<!DOCTYPE a [<!ELEMENT a (b)><!ELEMENT b EMPTY>]>\n<a><b/></a>",
     "invalid.xml": "<!DOCTYPE a [<!ELEMENT a (b)><!ELEMENT b EMPTY>]>\n<a>\n<c/></a>",
-    "nodtd.xml": '<!DOCTYPE a SYSTEM "gone.dtd"><a/>',
+    "nodtd.xml": '<!DOCTYPE a SYSTEM "gone.dtd"><a><b/></a>',
     "number.xsd": SCHEMA,
     "ambiguous.xsd": AMBIGUOUS,
+    "one list.xsd": schema_of("urn:l", '<xs:element name="l"><xs:complexType><xs:sequence>'
+                              '<xs:any maxOccurs="9"/></xs:sequence></xs:complexType></xs:element>'),
+    "two.xsd": schema_of("urn:l", '<xs:element name="n" type="xs:int"/>'),
+    "other.xsd": schema_of("urn:o", '<xs:element name="n" type="xs:date"/>'),
+    "including.xsd": schema_of("", '<xs:include schemaLocation="gone.xsd"/>'),
+    "list.xml": '<l xmlns="urn:l" xmlns:o="urn:o"><n>5</n><o:n>2000-01-01</o:n></l>',
+    "wrong.xml": '<l xmlns="urn:l" xmlns:o="urn:o"><n>x</n><o:n>5</o:n><m/></l>',
+    "nosuch.xml": by_schema("gone.xsd", "<a/>"),
+    "noschema.xml": by_schema("no.xsd", "<a/>"),
+    "badschema.xml": by_schema("bad.xsd", "<a/>"),
+    "no.xsd": "<r/>",
+    "bad.xsd": schema_of("", "")[:-12],
     "number.xml": by_schema("number.xsd", "5"),
     "word.xml": by_schema("number.xsd", "five"),
     "ambiguous.xml": by_schema("ambiguous.xsd", "<a/>"),
@@ -132,6 +149,8 @@ FILES = {
 NO_COLOR = {"NO_COLOR": "1"}
 
 Case = collections.namedtuple("Case", "args status out err stdin", defaults=("", "", None))
+
+OWN_SCHEMAS = ["check", *(f"--xsd={name}.xsd" for name in ("one list", "two", "other"))]
 
 # The first fault of broken.xml, and what the parser finds when it goes on.
 BROKEN = """\
@@ -270,9 +289,27 @@ faults.xml:4:{4 + 3 * i}: entity 'z' not found
     Case("check --full number.xml ambiguous.xml", 1,
          err=re.compile(r"ambiguous\.xml:\d+:\d+: .* the unique particle attribution rule .*\n" + SHOWN
         + r"ambiguous\.xml:\d+:\d+: .*\n" + SHOWN)),
-    Case("check nodtd.xml", 1, err=re.compile(
-        r"nodtd\.xml:1:\d+: .*gone\.dtd'\n" + SHOWN)),
     Case("check --no-external-dtd nodtd.xml", 0),
+    # What is not there is said once, and not of every name that it would declare.
+    *[Case(f"check {args}", 1, err=re.compile(f"{place}: {problem}\n{SHOWN}"))
+      for args, place, problem in (
+          ("nodtd.xml", r"nodtd\.xml:1:\d+", ".*gone\\.dtd'"),
+          ("--dtd nodtd.xml", r"nodtd\.xml:1:\d+", ".*gone\\.dtd'"),
+          ("--dtd nested.xml", "nested\\.xml:1:3", "the document has no DTD"),
+          ("--schema nested.xml", "nested\\.xml:1:4", "the document names no schema"),
+          ("--schema nosuch.xml", r"nosuch\.xml:1:\d+", "unable to open the schema 'gone.xsd'"),
+          ("--schema badschema.xml", r"bad\.xsd:1:\d+", "input ended.*"))],
+    Case("check --schema noschema.xml", 1, err=re.compile(
+        r"no\.xsd:1:5: .*must be 'schema'\n" + SHOWN + r"no\.xsd:1:5: .*\n" + SHOWN)),
+    # Schemas of one's own, two of them for one namespace.
+    Case([*OWN_SCHEMAS, "list.xml"], 0),
+    Case([*OWN_SCHEMAS, "wrong.xml", "list.xml"], 1, err=re.compile(
+        r"wrong\.xml:1:\d+: .*'x'.*\n" + SHOWN + r"wrong\.xml:1:\d+: .*'5'.*\n" + SHOWN
+        + r"wrong\.xml:1:\d+: .*element 'm'\n" + SHOWN)),
+    Case("check --xsd number.xsd --xsd gone.xsd list.xml", 1,
+         err=f"tessel: gone.xsd: {NOT_FOUND}\n"),
+    Case("check --xsd including.xsd list.xml", 1,
+         err="tessel: including.xsd: unable to open the schema 'gone.xsd'\n"),
     # Queries.
     Case("query cat.xml //@*[.>20]|//note/text()|//comment()", 0, '<!-- two -->\nsize="35"\n'),
     Case("query --text cat.xml //@id|//colour", 0, "t1\ncrème 😀\nt2\n"),
@@ -282,8 +319,16 @@ faults.xml:4:{4 + 3 * i}: entity 'z' not found
     Case(["query", "--count", "cat.xml", "//colour[.='crème 😀']"], 0, "1\n"),
     Case("query --count --no-namespaces names.xml //p:b", 1, err=re.compile(
         r"tessel: names\.xml: domErrXPathParse \(-2768\): .+\n")),
-    Case("query cat.xml count(//tile)", 1, err=re.compile(
+    *[Case(["query", "cat.xml", expression], 0, value + "\n") for expression, value in (
+        ("count(//tile)", "2"), ("sum(//@size) div 2", "27.5"), ("1 div 0", "Infinity"),
+        ("string(//colour)", "crème 😀"), ("//@size > 34", "true"), ("not(//tile)", "false"))],
+    Case("query --count cat.xml count(//tile)", 1, err=re.compile(
         r"tessel: cat\.xml: domErrXPathConversion \(-2769\): .+\n")),
+    Case("query cat.xml $x", 1, err=re.compile(
+        r"tessel: cat\.xml: domErrXPathConversion \(-2769\): .+\n")),
+    Case("query -N p=urn:d --namespace d=urn:p edit.xml //p:r/d:a/@d:i", 0, 'p:i="2"\n'),
+    Case("query -N 1=urn:d edit.xml //p:a", 1, err=re.compile(
+        r"tessel: 1=urn:d: domErrInvalidCharacter \(-2604\): .+\n")),
     # Edits.
     Case("set nested.xml //b -5", 0, "<r><a>1<a>2</a></a><b>-5</b></r>"),
     Case("set nested.xml //a Zürich", 0, "<r><a>Zürich</a><b/></r>"),
@@ -308,6 +353,14 @@ faults.xml:4:{4 + 3 * i}: entity 'z' not found
     Case("delete nested.xml /r", 1,
          err="tessel: nested.xml: the document element cannot be deleted\n"),
     Case("set --attribute p:n edit.xml /* v", 0, edited('k="1"', 'k="1" p:n="v"')),
+    # A prefix of the command line has its meaning in each expression, and there alone.
+    Case("edit -N d=urn:d --set /d:r/@k 2 --insert-last /d:r <p:b/> edit.xml", 0,
+         edited('k="1"', 'k="2"', "</r>", "<p:b/></r>")),
+    Case("set -N q=urn:p edit.xml //q:a y", 0, edited(">x<", ">y<")),
+    Case("delete -N q=urn:p edit.xml //q:a", 0, edited('<p:a p:i="2">x</p:a>', "")),
+    Case("insert -N q=urn:p --after edit.xml //q:a t", 0, edited("</p:a>", "</p:a>t")),
+    Case("rename -N q=urn:p edit.xml //q:a q:b", 1,
+         err="tessel: edit.xml: no namespace is declared here for the prefix q\n"),
     Case("set --attribute q:n edit.xml /* v", 1,
          err="tessel: edit.xml: no namespace is declared here for the prefix q\n"),
     Case("set --attribute 1 edit.xml /* v", 1,
@@ -381,6 +434,10 @@ XPathGetExpressionType
     Case("", 2, err="A subcommand is required\n" + RUN_HELP),
     Case("explain", 2, err="CODE or --all is required\n" + RUN_HELP),
     Case("tree cat.xml --gone", 2, err=re.compile(f".*--gone\n{RUN_HELP}")),
+    *[Case(f"query {names} cat.xml a", 2, err=re.compile(f".*{problem}.*\n{RUN_HELP}"))
+      for names, problem in (("-N p", "is not PREFIX=URI"), ("-N =u", "is not PREFIX=URI"),
+                             ("-N p=", "is not PREFIX=URI"),
+                             ("-N p=u --no-namespaces", "excludes"))],
     Case("set --in-place - //b x", 2, err=re.compile(f".*--in-place.*\n{RUN_HELP}")),
     Case("set --in-place -o x cat.xml //b x", 2, err=re.compile(f".*excludes.*\n{RUN_HELP}")),
     Case("check --dtd --no-external-dtd valid.xml", 2, err=re.compile(f".*excludes.*\n{RUN_HELP}")),
