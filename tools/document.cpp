@@ -97,15 +97,19 @@ CDocument ReadDocument(const CInput& input, const CClient& client, CReadOptions 
   return document;
 }
 
-std::string WriteDocument(const CDocument& document, const std::string& file, bool pretty) {
+CText DocumentText(const CDocument& document, const std::string& file, bool pretty) {
   CText xml;
   const TSXStatus status = TSIGetXMLCommon(document.Get(), xml.Get(), pretty);
-  const std::string encoding = NamedEncoding(document);
   if (status == domErrInvalidCharacter) {
-    throw CFailure(StatusLine(file, status, "it cannot be written in " + encoding));
+    throw CFailure(StatusLine(file, status, "it cannot be written in " + NamedEncoding(document)));
   }
   Require(status, file);
-  return ByteOrderMark(encoding, xml.View()) + std::string(xml.View());
+  return xml;
+}
+
+std::string WriteDocument(const CDocument& document, const std::string& file, bool pretty) {
+  const CText xml = DocumentText(document, file, pretty);
+  return ByteOrderMark(NamedEncoding(document), xml.View()).append(xml.View());
 }
 
 void SetEncoding(const CDocument& document, const std::string& encoding) {

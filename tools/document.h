@@ -36,7 +36,9 @@ void AddAdvice(CFault& fault, const CReadOptions& options);
 CDocument ReadDocument(const CInput& input, const CClient& client, CReadOptions options = {});
 CDocument ReadDocument(const std::string& file, const CClient& client, CReadOptions options = {});
 
-// The document as XML text, in its own encoding, as a file would hold it.
+// The document as XML text in its own encoding.
+CText DocumentText(const CDocument& document, const std::string& file, bool pretty = false);
+// The same as a file would hold it.
 std::string WriteDocument(const CDocument& document, const std::string& file, bool pretty = false);
 
 // The encoding that the document declares or was given; empty for none.

@@ -24,40 +24,37 @@ std::string EncodingOf(std::string_view bytes) {
   return std::string(declaration.substr(begin + 1, end - begin - 1));
 }
 
-// As Recode; UTF-8 that a parser has accepted, or an edit has made of it, needs none.
-std::optional<std::string> RecodeUnlessSame(std::string_view text, const std::string& from,
-                                            const std::string& to) {
-  const auto isUTF8 = [](const std::string& name) {
-    return strcasecmp(name.c_str(), "UTF-8") == 0;
-  };
-  if (isUTF8(from) && isUTF8(to)) return std::string(text);
-  return Recode(text, from, to);
-}
+// UTF-8 that a parser has accepted, or an edit has made of it, is not recoded.
+bool IsUTF8(const std::string& encoding) { return strcasecmp(encoding.c_str(), "UTF-8") == 0; }
 
 }  // namespace
 
 // -- The text ------------------------------------------------------------------------
 
 std::optional<CSourceText> CSourceText::Of(const CInput& input) {
-  const std::string bytes = input.Bytes();
   CSourceText source;
-  source.m_Encoding = EncodingOf(bytes);
-  const auto text = RecodeUnlessSame(bytes, source.m_Encoding, "UTF-8");
-  if (bytes.empty() || !text) return std::nullopt;
-  source.m_Text = *text;
-  source.m_Mark = text->starts_with(kMark) ? kMark.size() : 0;
-  if (RecodeUnlessSame(*text, "UTF-8", source.m_Encoding) != bytes) return std::nullopt;
+  source.m_Text = input.Bytes();
+  if (source.m_Text.empty()) return std::nullopt;
+  source.m_Encoding = EncodingOf(source.m_Text);
+  if (!IsUTF8(source.m_Encoding)) {
+    std::optional<std::string> text = Recode(source.m_Text, source.m_Encoding, "UTF-8");
+    if (!text || Recode(*text, "UTF-8", source.m_Encoding) != source.m_Text) return std::nullopt;
+    source.m_Text = *std::move(text);
+  }
+  source.m_Mark = source.m_Text.starts_with(kMark) ? kMark.size() : 0;
   return source;
 }
 
-bool CSourceText::SetText(const std::string& text) {
-  if (!RecodeUnlessSame(text, "UTF-8", m_Encoding)) return false;
-  m_Text = m_Text.substr(0, m_Mark) + text;
+bool CSourceText::SetText(std::string text) {
+  if (!IsUTF8(m_Encoding) && !Recode(text, "UTF-8", m_Encoding)) return false;
+  if (m_Mark > 0) text.insert(0, kMark);
+  m_Text = std::move(text);
   return true;
 }
 
 std::string CSourceText::Bytes() const {
-  return RecodeUnlessSame(m_Text, "UTF-8", m_Encoding).value_or("");
+  if (IsUTF8(m_Encoding)) return m_Text;
+  return Recode(m_Text, "UTF-8", m_Encoding).value_or("");
 }
 
 // -- The file ------------------------------------------------------------------------
@@ -74,22 +71,26 @@ void CEditedFile::Apply(const CEdit& edit) {
   ::Apply(edit, m_Document, m_Input.Name(), [&](CNodeArray& nodes) {
     if (m_Source) text = Spliced(m_Source->Text(), edit, nodes, m_Source->Encoding());
   });
+  m_Done.push_back(edit);
   if (!m_Source) return;
-  if (!text || !m_Source->SetText(*text) || !IsConfirmed()) m_Source.reset();
+  if (!text || !m_Source->SetText(*std::move(text)) || !IsConfirmed()) m_Source.reset();
 }
 
-// A text that names other files may be beyond reach where it is no file itself.
+// The tree that was edited makes room for the one that is read. A text that names other
+// files may be beyond reach where it is no file itself: then the edits are done again.
 bool CEditedFile::IsConfirmed() {
+  const std::string& file = m_Input.Name();
   try {
-    CDocument reread =
-        ReadDocument(CInput::OfText(m_Input.Name(), m_Source->Bytes()), m_Client, m_Options);
-    const std::string& file = m_Input.Name();
-    if (WriteDocument(reread, file) != WriteDocument(m_Document, file)) return false;
-    m_Document = std::move(reread);
-    return true;
+    const CText wanted = DocumentText(m_Document, file);
+    m_Document = {};
+    m_Document = ReadDocument(CInput::OfText(file, m_Source->Bytes()), m_Client, m_Options);
+    if (DocumentText(m_Document, file).View() == wanted.View()) return true;
   } catch (const CFailure&) {
-    return false;
   }
+  m_Document = {};
+  m_Document = ReadDocument(m_Input, m_Client, m_Options);
+  for (const CEdit& edit : m_Done) ::Apply(edit, m_Document, file, [](CNodeArray&) {});
+  return false;
 }
 
 std::string CEditedFile::Bytes() const {

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "document.h"
 #include "edit.h"
@@ -18,7 +19,7 @@ class CSourceText {
   // Behind the mark, if there is one.
   std::string_view Text() const { return std::string_view(m_Text).substr(m_Mark); }
   // False where the encoding lacks a character of the text.
-  bool SetText(const std::string& text);
+  bool SetText(std::string text);
   std::string Bytes() const;
 
  private:
@@ -47,6 +48,7 @@ class CEditedFile {
   CReadOptions m_Options;
   CDocument m_Document;
   std::optional<CSourceText> m_Source;
+  std::vector<CEdit> m_Done;
 };
 
 #endif

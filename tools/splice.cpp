@@ -227,6 +227,7 @@ class CSplicer {
       return a.m_Begin != b.m_Begin ? a.m_Begin < b.m_Begin : a.m_End > b.m_End;
     });
     std::string result;
+    result.reserve(m_Text.size());
     size_t done = 0;
     for (const CSplice& splice : m_Splices) {
       if (splice.m_Begin < done) continue;

@@ -1,5 +1,6 @@
 #include "tokens.h"
 
+#include <algorithm>
 #include <initializer_list>
 
 namespace {
@@ -81,6 +82,10 @@ CToken First(std::string_view xml) {
 
 std::vector<CToken> Tokens(std::string_view xml) {
   std::vector<CToken> tokens;
+  // A tag or a reference, and a text behind it.
+  tokens.reserve(2 * static_cast<size_t>(
+                         std::ranges::count_if(xml, [](char c) { return c == '<' || c == '&'; })) +
+                 1);
   while (!xml.empty()) {
     tokens.push_back(First(xml));
     xml.remove_prefix(tokens.back().m_Text.size());
