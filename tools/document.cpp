@@ -20,7 +20,7 @@ TSXStatus LoadInput(const CDocument& document, const CInput& input, CText& parse
                     CText& exceptionText) {
   if (input.Path().empty()) {
     CText text(input.Text());
-    return TSXLoadString(document.Get(), text.Get(), parseErrors.Get(), exceptionText.Get());
+    return TSXLoadBytes(document.Get(), text.Get(), parseErrors.Get(), exceptionText.Get());
   }
   const CPath path(input.Path().c_str());
   return TSXLoadFile(document.Get(), path.Get(), parseErrors.Get(), exceptionText.Get());

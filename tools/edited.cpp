@@ -1,7 +1,5 @@
 #include "edited.h"
 
-#include <strings.h>
-
 #include "message.h"
 #include "recode.h"
 #include "splice.h"
@@ -24,13 +22,11 @@ std::string EncodingOf(std::string_view bytes) {
   return std::string(declaration.substr(begin + 1, end - begin - 1));
 }
 
-// UTF-8 that a parser has accepted, or an edit has made of it, is not recoded.
-bool IsUTF8(const std::string& encoding) { return strcasecmp(encoding.c_str(), "UTF-8") == 0; }
-
 }  // namespace
 
 // -- The text ------------------------------------------------------------------------
 
+// UTF-8 that a parser has accepted, or an edit has made of it, is not recoded.
 std::optional<CSourceText> CSourceText::Of(const CInput& input) {
   CSourceText source;
   source.m_Text = input.Bytes();

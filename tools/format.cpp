@@ -42,6 +42,7 @@ bool HasMark(std::string_view xml) {
 std::string LaidOut(const std::string& xml, const CDocument& document,
                     const CFormatOptions& options) {
   const std::string encoding = EncodingOfText(document, xml);
+  if (IsUTF8(encoding)) return LayOut(xml, options);
   const auto wide = Recode(xml, encoding, "UTF-8");
   const std::string text = wide ? LayOut(*wide, options) : "";
   const auto result = Recode(text, "UTF-8", encoding);

@@ -57,11 +57,9 @@ bool ReadAll(int descriptor, std::string& text) {
   }
 }
 
-// The interface loads text from a host string up to its first NUL byte, so what
-// holds one, as UTF-16 does, has to come from a file.
+// A host string holds no more, so this has to come from a file.
 bool NeedsFile(const std::string& text) {
-  return text.find('\0') != text.npos ||
-         text.size() >= static_cast<size_t>(std::numeric_limits<int32_t>::max());
+  return text.size() >= static_cast<size_t>(std::numeric_limits<int32_t>::max());
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "recode.h"
 
 #include <iconv.h>
+#include <strings.h>
 
 #include <array>
 #include <cerrno>
@@ -39,6 +40,8 @@ class CConverter {
 };
 
 }  // namespace
+
+bool IsUTF8(const std::string& encoding) { return strcasecmp(encoding.c_str(), "UTF-8") == 0; }
 
 std::optional<std::string> Recode(std::string_view text, const std::string& from,
                                   const std::string& to) {

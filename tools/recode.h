@@ -11,4 +11,6 @@
 std::optional<std::string> Recode(std::string_view text, const std::string& from,
                                   const std::string& to);
 
+bool IsUTF8(const std::string& encoding);
+
 #endif
