@@ -128,6 +128,7 @@ void CCheckParser::startElement(const xercesc::XMLElementDecl& declaration, unsi
                                 XMLSize_t count, bool isEmpty, bool isRoot) {
   m_Stop.RequireGoing();
   m_Limits.RequireFewExpansions();
+  m_Limits.CountDefaults(attributes, count);
   if (getDoNamespaces()) {
     m_Prefixes.Enter(Scanner(), pPrefix, attributes, count);
   }

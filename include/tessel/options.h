@@ -96,9 +96,9 @@ TSX_API TSXStatus TSXGetExternalAccess(TSXRefId document, uint64_t ignored, int3
  * may add in all. Default: 50,000,000, in memory a few hundred megabytes. 0 is no
  * limit; below 0, nothing may be added. Counted are the texts of entities at
  * each reference, in content, attribute values, default values and
- * declarations, as well as those that they refer to. So is what default
- * attributes add to an element beyond 256 units, where one counts its name, its
- * value and 16. Beyond the limit the load ends with a fatal error that says so.
+ * declarations, as well as those that they refer to. So is each attribute that
+ * an element has by default, with its name, its value and 16 units for its
+ * nodes. Beyond the limit the load ends with a fatal error that says so.
  * Whatever the limit, a load ends at 50,000 expansions. Both: domErrRefDocument. */
 TSX_API TSXStatus TSXSetEntityTextLimit(TSXRefId document, uint64_t ignored, const int64_t* value);
 TSX_API TSXStatus TSXGetEntityTextLimit(TSXRefId document, uint64_t ignored, int64_t* value);

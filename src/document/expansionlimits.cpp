@@ -3,7 +3,6 @@
 #include <memory>
 #include <string>
 #include <utility>
-#include <xercesc/util/RefVectorOf.hpp>
 #include <xercesc/util/TransENameMap.hpp>
 #include <xercesc/util/TransService.hpp>
 #include <xercesc/util/XMLChTranscoder.hpp>
@@ -18,6 +17,9 @@ using xercesc::XMLTranscoder;
 namespace {
 
 constinit thread_local CExpansionLimits* t_pLimits = nullptr;
+
+// UTF-16 units that a default attribute counts besides its name and value, for its nodes.
+constexpr size_t kUnitsOfDefault = 16;
 
 // Hands on the text of one expansion.
 class CEntityText final : public XMLChTranscoder {
@@ -103,4 +105,16 @@ void CExpansionLimits::CountText(size_t units) {
                               std::u16string(number.begin(), number.end()) +
                               u" characters to the document";
   m_Stop.Stop(text.c_str());
+}
+
+void CExpansionLimits::CountDefaults(const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                                     XMLSize_t count) {
+  size_t units = 0;
+  for (XMLSize_t i = 0; i < count; ++i) {
+    const xercesc::XMLAttr& attribute = *attributes.elementAt(i);
+    if (attribute.getSpecified()) continue;
+    units += kUnitsOfDefault + xercesc::XMLString::stringLen(attribute.getQName()) +
+             xercesc::XMLString::stringLen(attribute.getValue());
+  }
+  CountText(units);
 }

@@ -3,6 +3,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <xercesc/framework/XMLAttr.hpp>
+#include <xercesc/util/RefVectorOf.hpp>
 
 #include "document/loadstop.h"
 
@@ -45,6 +47,8 @@ class CExpansionLimits {
   // These stop the load beyond a limit.
   void RequireFewExpansions();
   void CountText(size_t units);
+  // What an element has by default: a short text makes many attributes, and long ones.
+  void CountDefaults(const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t count);
 
  private:
   CLoadStop& m_Stop;

@@ -6,14 +6,6 @@
 #include "document/contentmodel.h"
 #include "dom/pieces.h"
 
-namespace {
-
-// UTF-16 units that a default attribute counts besides name and value, and that the
-// defaults of an element may come to before they count.
-constexpr XMLSize_t kUnitsOfDefault = 16, kFreeDefaults = 256;
-
-}  // namespace
-
 CTreeParser::CTreeParser()
     : CBuilder(nullptr, &dom::NodeMemory()),
       m_Stop(*getScanner()),
@@ -66,20 +58,6 @@ xercesc::InputSource* CTreeParser::resolveEntity(xercesc::XMLResourceIdentifier*
 void CTreeParser::startExtSubset() {
   m_Resolver.Lost().TakeFrom(*getScanner()->getReaderMgr());
   CBuilder::startExtSubset();
-}
-
-// A short text makes many and long ones. The documents of every day stay below what an
-// element may have.
-void CTreeParser::CountDefaults(const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
-                                XMLSize_t count) {
-  XMLSize_t units = 0;
-  for (XMLSize_t i = 0; i < count; ++i) {
-    const xercesc::XMLAttr& attribute = *attributes.elementAt(i);
-    if (attribute.getSpecified()) continue;
-    units += kUnitsOfDefault + xercesc::XMLString::stringLen(attribute.getQName()) +
-             xercesc::XMLString::stringLen(attribute.getValue());
-  }
-  if (units > kFreeDefaults) m_Limits.CountText(units - kFreeDefaults);
 }
 
 // -- Time ------------------------------------------------------------------------
@@ -142,7 +120,7 @@ void CTreeParser::startElement(const xercesc::XMLElementDecl& declaration, unsig
                                XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
   m_Stop.RequireGoing();
   m_Limits.RequireFewExpansions();
-  CountDefaults(attributes, attributeCount);
+  m_Limits.CountDefaults(attributes, attributeCount);
   NeedRoom(attributeCount + 1);
   if (getDoNamespaces()) {
     m_Prefixes.Enter(*getScanner(), pPrefix, attributes, attributeCount);

@@ -60,7 +60,6 @@ class CTreeParser final : public dom::CBuilder {
  private:
   template <class Source>
   void Parse(const Source& source);
-  void CountDefaults(const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t count);
   void NeedRoom(XMLSize_t names);
   void MakeDefaults();
   void GoDeeper();
