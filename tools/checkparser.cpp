@@ -8,6 +8,7 @@
 #include <xercesc/validators/DTD/DTDElementDecl.hpp>
 
 #include "document/contentmodel.h"
+#include "document/scannertables.h"
 
 using xercesc::InputSource;
 
@@ -129,6 +130,7 @@ void CCheckParser::startElement(const xercesc::XMLElementDecl& declaration, unsi
   m_Stop.RequireGoing();
   m_Limits.RequireFewExpansions();
   m_Limits.CountDefaults(attributes, count);
+  FreeTables(Scanner(), count);
   if (getDoNamespaces()) {
     m_Prefixes.Enter(Scanner(), pPrefix, attributes, count);
   }

@@ -4,6 +4,7 @@
 #include <xercesc/validators/DTD/DTDElementDecl.hpp>
 
 #include "document/contentmodel.h"
+#include "document/scannertables.h"
 #include "dom/pieces.h"
 
 CTreeParser::CTreeParser()
@@ -83,12 +84,6 @@ void CTreeParser::endExtSubset() {
   MakeDefaults();
 }
 
-void CTreeParser::attDef(const xercesc::DTDElementDecl& element,
-                         const xercesc::DTDAttDef& attribute, bool isIgnored) {
-  NeedRoom(1);
-  CBuilder::attDef(element, attribute, isIgnored);
-}
-
 void CTreeParser::entityDecl(const xercesc::DTDEntityDecl& declaration, bool isParameter,
                              bool isIgnored) {
   NeedRoom(1);
@@ -106,7 +101,10 @@ void CTreeParser::endAttList(const xercesc::DTDElementDecl& declaration) {
 }
 
 void CTreeParser::MakeDefaults() {
-  for (const xercesc::DTDElementDecl* pElement : m_Listed) CBuilder::endAttList(*pElement);
+  for (const xercesc::DTDElementDecl* pElement : m_Listed) {
+    if (pElement->hasAttDefs()) NeedRoom(pElement->getAttDefList().getAttDefCount() + 1);
+    CBuilder::endAttList(*pElement);
+  }
   m_Listed.clear();
   m_IsListed.clear();
 }
@@ -122,6 +120,7 @@ void CTreeParser::startElement(const xercesc::XMLElementDecl& declaration, unsig
   m_Limits.RequireFewExpansions();
   m_Limits.CountDefaults(attributes, attributeCount);
   NeedRoom(attributeCount + 1);
+  FreeTables(*getScanner(), attributeCount);
   if (getDoNamespaces()) {
     m_Prefixes.Enter(*getScanner(), pPrefix, attributes, attributeCount);
   }

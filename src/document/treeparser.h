@@ -46,8 +46,6 @@ class CTreeParser final : public dom::CBuilder {
   void startExtSubset() override;
   void endExtSubset() override;
   void endIntSubset() override;
-  void attDef(const xercesc::DTDElementDecl& element, const xercesc::DTDAttDef& attribute,
-              bool isIgnored) override;
   void endAttList(const xercesc::DTDElementDecl& declaration) override;
   void entityDecl(const xercesc::DTDEntityDecl& declaration, bool isParameter,
                   bool isIgnored) override;

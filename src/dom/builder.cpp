@@ -1,7 +1,6 @@
 #include "dom/builder.h"
 
 #include <cstdint>
-#include <xercesc/framework/XMLAttDefList.hpp>
 #include <xercesc/framework/XMLAttr.hpp>
 #include <xercesc/framework/XMLBuffer.hpp>
 #include <xercesc/framework/XMLElementDecl.hpp>
@@ -15,7 +14,6 @@ using xercesc::DOMElementImpl;
 using xercesc::DOMElementNSImpl;
 using xercesc::DOMMemoryManager;
 using xercesc::DOMTextImpl;
-using xercesc::XMLAttDef;
 using xercesc::XMLAttr;
 using xercesc::XMLElementDecl;
 
@@ -27,17 +25,6 @@ std::size_t SlotOf(const XMLElementDecl& declaration) {
   return reinterpret_cast<std::uintptr_t>(&declaration) / 64 * 4 * kSlotsOfNode;
 }
 
-// Whether the grammar gives the element an attribute that it does not have itself.
-bool HasDefaults(const XMLElementDecl& declaration) {
-  if (!declaration.hasAttDefs()) return false;
-  xercesc::XMLAttDefList& attributes = declaration.getAttDefList();
-  for (XMLSize_t i = 0; i < attributes.getAttDefCount(); ++i) {
-    const auto type = attributes.getAttDef(i).getDefaultType();
-    if (type == XMLAttDef::Default || type == XMLAttDef::Fixed) return true;
-  }
-  return false;
-}
-
 }  // namespace
 
 // -- Elements ---------------------------------------------------------------------
@@ -46,6 +33,18 @@ void CBuilder::startDocument() {
   XercesDOMParser::startDocument();
   m_Names.Start(*fDocument);
   m_pLastNamespace = nullptr;
+  m_InType.clear();
+  m_IsInInternalSubset = false;
+}
+
+void CBuilder::startIntSubset() {
+  XercesDOMParser::startIntSubset();
+  m_IsInInternalSubset = true;
+}
+
+void CBuilder::endIntSubset() {
+  XercesDOMParser::endIntSubset();
+  m_IsInInternalSubset = false;
 }
 
 // Null for none.
@@ -90,17 +89,16 @@ void CBuilder::startElement(const XMLElementDecl& declaration, unsigned int uri,
                             XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
   // The declaration of a schema does not tell what defaults the document type has.
   const bool isSimple = fDocumentType == nullptr || !getDoSchema();
-  if (!isSimple || HasDefaults(declaration) || getCreateSchemaInfo()) {
+  if (!isSimple || getCreateSchemaInfo()) {
     XercesDOMParser::startElement(declaration, uri, pPrefix, attributes, attributeCount, isEmpty,
                                   isRoot);
     return;
   }
-  DOMElementImpl& element = MakeElement(declaration, uri, pPrefix);
-  if (attributeCount != 0) element.fAttributes->reserve(attributeCount);
-  std::size_t slot = SlotOf(declaration);
-  for (XMLSize_t i = 0; i < attributeCount; ++i) {
-    AddAttribute(element, *attributes.elementAt(i), slot += kSlotsOfNode);
-  }
+  const bool hasDefaults = HasDefaults(declaration);
+  DOMElementImpl& element = hasDefaults ? MakeElementOfType(declaration, uri, pPrefix)
+                                        : MakeElement(declaration, uri, pPrefix);
+  AddAttributes(element, attributes, attributeCount, SlotOf(declaration));
+  if (hasDefaults) AddDefaults(element, declaration);
   if (fCurrentParent == fDocument) {
     fDocument->appendChild(&element);  // which notes its element
   } else {

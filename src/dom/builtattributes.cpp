@@ -4,6 +4,7 @@
 
 #include "dom/builder.h"
 #include "dom/builtnodes.h"
+#include "dom/entering.h"
 
 using xercesc::DOMAttrImpl;
 using xercesc::DOMAttrNSImpl;
@@ -14,38 +15,6 @@ using xercesc::XMLAttr;
 using xercesc::XMLString;
 
 namespace dom {
-
-namespace {
-
-// The names of a document are pooled, so equal ones are one.
-bool IsSameName(const DOMAttrImpl& left, const DOMAttrImpl& right, bool hasNamespaces) {
-  if (!hasNamespaces) return left.fName == right.fName;
-  const auto& leftNS = static_cast<const DOMAttrNSImpl&>(left);
-  const auto& rightNS = static_cast<const DOMAttrNSImpl&>(right);
-  return leftNS.*CAttributeNames::kLocal == rightNS.*CAttributeNames::kLocal &&
-         leftNS.*CAttributeNames::kURI == rightNS.*CAttributeNames::kURI;
-}
-
-// Enters an attribute in the order of the names; one of the same name gives way.
-void Enter(DOMElementImpl& element, DOMAttrImpl& attribute, bool hasNamespaces) {
-  attribute.fNode.fOwnerNode = &element;
-  attribute.fNode.isOwned(true);
-  xercesc::DOMNodeVector& items = *AttributesOf(element);
-  const XMLSize_t count = items.size();
-  for (XMLSize_t i = 0; i < count; ++i) {
-    if (!IsSameName(As<DOMAttrImpl>(*items.elementAt(i)), attribute, hasNamespaces)) continue;
-    items.setElementAt(&attribute, i);
-    return;
-  }
-  if (count == 0) {
-    items.addElement(&attribute);
-  } else {
-    const int place = element.fAttributes->findNamePoint(attribute.fName);
-    items.insertElementAt(&attribute, static_cast<XMLSize_t>(place < 0 ? -1 - place : place));
-  }
-}
-
-}  // namespace
 
 DOMAttrImpl& CBuilder::MakeAttribute(const XMLAttr& source, std::size_t slot) {
   if (!fScanner->getDoNamespaces()) {
@@ -64,9 +33,8 @@ DOMAttrImpl& CBuilder::MakeAttribute(const XMLAttr& source, std::size_t slot) {
   return *pAttribute;
 }
 
-void CBuilder::AddAttribute(DOMElementImpl& element, const XMLAttr& source, std::size_t slot) {
+DOMAttrImpl& CBuilder::MakeWithValue(const XMLAttr& source, std::size_t slot) {
   DOMAttrImpl& attribute = MakeAttribute(source, slot);
-  Enter(element, attribute, fScanner->getDoNamespaces());
   const XMLCh* pValue = source.getValue();
   Hang(attribute, attribute.fParent, MakeText(*fDocument, pValue, XMLString::stringLen(pValue)));
   if (source.getType() == XMLAttDef::ID) {
@@ -77,6 +45,19 @@ void CBuilder::AddAttribute(DOMElementImpl& element, const XMLAttr& source, std:
     attribute.fNode.isIdAttr(true);
   }
   attribute.fNode.isSpecified(source.getSpecified());
+  return attribute;
+}
+
+void CBuilder::AddAttributes(DOMElementImpl& element, const xercesc::RefVectorOf<XMLAttr>& sources,
+                             XMLSize_t count, std::size_t slot) {
+  if (count == 0) return;
+  const bool hasNamespaces = fScanner->getDoNamespaces();
+  element.fAttributes->reserve(count);
+  m_Attributes.clear();
+  for (XMLSize_t i = 0; i < count; ++i) {
+    m_Attributes.push_back(&MakeWithValue(*sources.elementAt(i), slot += kSlotsOfNode));
+  }
+  EnterAll(element, *element.fAttributes, m_Attributes, hasNamespaces);
 }
 
 }  // namespace dom

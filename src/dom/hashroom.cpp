@@ -124,7 +124,9 @@ void CNameRoom::Need(DOMDocument& document, XMLSize_t names) {
   DOMDocumentImpl& impl = Impl(document);
   XMLSize_t count = 0;
   EachName(impl, [&](const DOMStringPoolEntry&) { ++count; });
-  if (count > impl.*Of(CNamesSize{})) GrowNames(impl, PrimeFrom(count * 4));
+  // An attribute with a prefix has two names that nobody else may have.
+  const XMLSize_t needed = count + 2 * names;
+  if (needed > impl.*Of(CNamesSize{})) GrowNames(impl, PrimeFrom(needed * 4));
   m_Names = 0;
   m_Patience = 2 * (impl.*Of(CNamesSize{}));
 }
