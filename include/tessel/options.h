@@ -93,7 +93,8 @@ TSX_API TSXStatus TSXSetExternalAccess(TSXRefId document, uint64_t ignored, cons
 TSX_API TSXStatus TSXGetExternalAccess(TSXRefId document, uint64_t ignored, int32_t* value);
 
 /* Limit of expanded text: how many UTF-16 code units the expansions of one load
- * may add in all. Default: 50,000,000, in memory a few hundred megabytes. 0 is no
+ * may add in all. Default: 50,000,000, in memory a hundred megabytes of text, or
+ * three gigabytes where they are nothing but tags or default attributes. 0 is no
  * limit; below 0, nothing may be added. Counted are the texts of entities at
  * each reference, in content, attribute values, default values and
  * declarations, as well as those that they refer to. So is each attribute that
