@@ -16,6 +16,8 @@ namespace {
 constexpr std::array<std::string_view, 8> kWords = {"amber", "brook", "cedar", "delta",
                                                     "ember", "fjord", "grove", "heath"};
 
+constexpr std::string_view kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+
 // The same words for the same number in every run.
 void AppendWords(std::string& text, size_t number, size_t count) {
   for (size_t i = 0; i < count; ++i) {
@@ -33,7 +35,7 @@ std::string ItemId(size_t item) {
 }
 
 std::string ItemsXml(size_t items) {
-  std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<list>";
+  std::string xml = std::string(kDeclaration) + "<list>";
   for (size_t i = 0; i < items; ++i) {
     xml += "<item id=\"" + ItemId(i) + "\"><name>";
     AppendWords(xml, i, 2);
@@ -42,6 +44,35 @@ std::string ItemsXml(size_t items) {
     xml += "</note></item>";
   }
   return xml + "</list>";
+}
+
+std::string PrefixedXml(size_t items) {
+  std::string xml = std::string(kDeclaration) + "<l:list xmlns:l=\"urn:example:list\">";
+  for (size_t i = 0; i < items; ++i) {
+    xml += "<l:item l:id=\"" + ItemId(i) + "\"><l:name>";
+    AppendWords(xml, i, 2);
+    xml += "</l:name><l:note>";
+    AppendWords(xml, i + 1, 6);
+    xml += "</l:note></l:item>";
+  }
+  return xml + "</l:list>";
+}
+
+std::string QueryXml(size_t items) {
+  std::string xml = std::string(kDeclaration) + "<root>";
+  for (size_t i = 0; i < items; ++i) {
+    const std::string number = std::to_string(i);
+    xml += "<item id=\"" + number + "\"><name>Name " + number + "</name></item>";
+  }
+  return xml + "</root>";
+}
+
+std::string SiblingsXml(size_t elements) {
+  std::string xml = "<root>";
+  for (size_t i = 0; i < elements; ++i) {
+    xml += "<a x=\"" + std::to_string(i % 2) + (i % 3 == 0 ? "\"/>" : "\"><b/></a>");
+  }
+  return xml + "</root>";
 }
 
 std::string TenNodesXml() {

@@ -13,6 +13,17 @@ constexpr size_t kNodesPerItem = 5;
 // An item is five nodes: three elements and two texts.
 std::string ItemsXml(size_t items);
 
+// The same where every name has a prefix.
+std::string PrefixedXml(size_t items);
+
+// Smaller items below a root element, for questions:
+//   <item id="42"><name>Name 42</name></item>
+std::string QueryXml(size_t items);
+
+// Elements with an attribute each and, but for every third, a child, below one root:
+//   <a x="1"><b/></a>
+std::string SiblingsXml(size_t elements);
+
 // The id attribute of an item.
 std::string ItemId(size_t item);
 

@@ -43,7 +43,7 @@ CContestant TesselLoad(const CLoaders& loaders) {
 
 CContestant XercesLoad(const CLoaders& loaders) {
   auto document = std::make_shared<CXercesDocument>();
-  return {.m_Name = "Xerces-C",
+  return {.m_Name = kXerces,
           .m_Work = [=, load = loaders.m_Xerces] { return load(*document), 0; },
           .m_Before = [=] { *document = CXercesDocument(); },
           .m_After = [=] { *document = CXercesDocument(); },
@@ -52,7 +52,7 @@ CContestant XercesLoad(const CLoaders& loaders) {
 
 CContestant Libxml2Load(const CLoaders& loaders) {
   auto document = std::make_shared<CLibxml2Document>();
-  return {.m_Name = "libxml2",
+  return {.m_Name = kLibxml2,
           .m_Work = [=, load = loaders.m_Libxml2] { return *document = load(), 0; },
           .m_After = [=] { document->reset(); },
           .m_Check =
@@ -65,7 +65,7 @@ CContestant Libxml2Load(const CLoaders& loaders) {
 
 CContestant PugixmlLoad(const CLoaders& loaders) {
   auto document = std::make_shared<pugi::xml_document>();
-  return {.m_Name = "pugixml",
+  return {.m_Name = kPugixml,
           .m_Work =
               [=, load = loaders.m_Pugixml] {
                 if (!load(*document)) throw std::runtime_error("pugixml cannot read the document");
@@ -82,15 +82,32 @@ CRow LoadRow(const CLoaders& loaders) {
           true};
 }
 
-CRow LoadString(const CSizes& sizes) {
-  const auto xml = std::make_shared<const std::string>(ItemsXml(sizes.m_LargeItems));
+CLoaders TextLoaders(const std::string& content) {
+  const auto xml = std::make_shared<const std::string>(content);
   const auto text = std::make_shared<CText>(*xml);
-  return LoadRow({[=](const CDocument& document) { Load(document, *text); },
-                  [=](CXercesDocument& document) { document.Parse(*xml); },
-                  [=] { return ParseLibxml2(*xml); },
-                  [=](pugi::xml_document& document) {
-                    return document.load_buffer(xml->data(), xml->size(), kPugixmlWholeTree);
-                  }});
+  return {[=](const CDocument& document) { Load(document, *text); },
+          [=](CXercesDocument& document) { document.Parse(*xml); },
+          [=] { return ParseLibxml2(*xml); },
+          [=](pugi::xml_document& document) {
+            return document.load_buffer(xml->data(), xml->size(), kPugixmlWholeTree);
+          }};
+}
+
+CRow LoadString(const CSizes& sizes) { return LoadRow(TextLoaders(ItemsXml(sizes.m_LargeItems))); }
+
+// libxml2 always heeds namespaces, pugixml never.
+CRow LoadWithNamespaces(const std::string& xml) {
+  CLoaders loaders = TextLoaders(xml);
+  loaders.m_Tessel = [load = loaders.m_Tessel](const CDocument& document) {
+    const uint8_t on = 1;
+    Require(TSXSetDoNamespaces(document.Get(), 0, &on), "TSXSetDoNamespaces");
+    load(document);
+  };
+  loaders.m_Xerces = [load = loaders.m_Xerces](CXercesDocument& document) {
+    document.HeedNamespaces();
+    load(document);
+  };
+  return LoadRow(loaders);
 }
 
 CLoaders FileLoaders(const std::string& path) {
@@ -141,7 +158,7 @@ void WriteXerces(xercesc::DOMDocument& document, xercesc::MemBufFormatTarget& ta
 
 CContestant XercesWrite(const std::shared_ptr<CDocuments>& documents) {
   auto target = std::make_shared<std::unique_ptr<xercesc::MemBufFormatTarget>>();
-  return {.m_Name = "Xerces-C",
+  return {.m_Name = kXerces,
           .m_Work =
               [=] {
                 *target = std::make_unique<xercesc::MemBufFormatTarget>();
@@ -162,7 +179,7 @@ struct CXmlFree {
 
 CContestant Libxml2Write(const std::shared_ptr<CDocuments>& documents) {
   auto xml = std::make_shared<std::unique_ptr<xmlChar, CXmlFree>>();
-  return {.m_Name = "libxml2",
+  return {.m_Name = kLibxml2,
           .m_Work =
               [=] {
                 xmlChar* pText = nullptr;
@@ -184,7 +201,7 @@ struct CStringWriter : pugi::xml_writer {
 
 CContestant PugixmlWrite(const std::shared_ptr<CDocuments>& documents) {
   auto writer = std::make_shared<CStringWriter>();
-  return {.m_Name = "pugixml",
+  return {.m_Name = kPugixml,
           .m_Work = [=] { return documents->m_Pugixml.save(*writer, "", pugi::format_raw), 0; },
           .m_After = [=] { writer->m_Text = {}; },
           .m_Check = [=] { return CountTags(writer->m_Text); }};
@@ -219,7 +236,7 @@ CRow OpenClose(const CSizes& sizes) {
               }
               return count;
             }},
-           {"Xerces-C", [=] {
+           {kXerces, [=] {
               for (size_t i = 0; i < count; ++i) {
                 const CXercesEmpty document;
               }
@@ -233,14 +250,19 @@ CRowTable IoRows() {
   static constexpr const char* kCodes = "/usr/share/xml/iso-codes/iso_639-3.xml";
   static constexpr const char* kMime = "/usr/share/mime/packages/freedesktop.org.xml";
   return {
-      {"load.string", "Load 19 MB from a string", "1.02", LoadString},
-      {"load.file", "Load 19 MB from a file", "1.02", LoadFile},
-      {"load.codes", "Load the language codes of iso-codes", "",
+      {"load.string", "Load 19 MB from a string", Times(1, kLibxml2), LoadString},
+      {"load.namespaces", "The same, with namespaces", Times(1.2, kLibxml2),
+       [](const CSizes& sizes) { return LoadWithNamespaces(ItemsXml(sizes.m_LargeItems)); }},
+      {"load.prefixes", "Load 22 MB where every name has a prefix, with namespaces",
+       Times(1.2, kLibxml2),
+       [](const CSizes& sizes) { return LoadWithNamespaces(PrefixedXml(sizes.m_LargeItems)); }},
+      {"load.file", "Load 19 MB from a file", kNoAim, LoadFile},
+      {"load.codes", "Load the language codes of iso-codes", kNoAim,
        [](const CSizes&) { return LoadRealFile(kCodes); }, kCodes},
-      {"load.mime", "Load the file types of shared-mime-info", "",
+      {"load.mime", "Load the file types of shared-mime-info", kNoAim,
        [](const CSizes&) { return LoadRealFile(kMime); }, kMime},
-      {"write.string", "Write 19 MB to a string", "1.03", WriteString},
-      {"document.empty", "Open and close an empty document", "1.2", OpenClose},
+      {"write.string", "Write 19 MB to a string", Times(1, kLibxml2), WriteString},
+      {"document.empty", "Open and close an empty document", Times(1.2, kXerces), OpenClose},
   };
 }
 

@@ -32,6 +32,7 @@ class CXercesDocument {
   CXercesDocument() = default;
   explicit CXercesDocument(const std::string& xml) { Parse(xml); }
 
+  void HeedNamespaces() { m_pParser->setDoNamespaces(true); }
   void Parse(const std::string& xml);
   void ParseFile(const std::string& path);
   xercesc::DOMDocument* Get() const { return m_pParser->getDocument(); }

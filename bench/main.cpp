@@ -2,6 +2,7 @@
 // others, all in one run, so that only ratios matter.
 #include <libxml/parser.h>
 
+#include <algorithm>
 #include <charconv>
 #include <clocale>
 #include <cstdio>
@@ -22,12 +23,18 @@ constexpr CSizes kFull{.m_LargeItems = 200'000,
                        .m_MediumItems = 20'000,
                        .m_Elements = 100'000,
                        .m_TextBytes = 100'000,
-                       .m_Calls = 10'000};
+                       .m_Calls = 10'000,
+                       .m_QueryItems = 40'000,
+                       .m_OpenMaps = 50'000,
+                       .m_Growth = 5'000};
 constexpr CSizes kQuick{.m_LargeItems = 400,
                         .m_MediumItems = 100,
                         .m_Elements = 100,
                         .m_TextBytes = 2'000,
-                        .m_Calls = 100};
+                        .m_Calls = 100,
+                        .m_QueryItems = 300,
+                        .m_OpenMaps = 100,
+                        .m_Growth = 100};
 
 constexpr const char* kUsage =
     "usage: tessel_bench [--quick] [--csv FILE] [--only TEXT] [--repetitions N] [--list]\n"
@@ -39,8 +46,8 @@ constexpr const char* kUsage =
 
 CRowTable AllRows() {
   CRowTable rows;
-  for (const auto table : {IoRows, WalkRows, EditRows, CollectionRows, StringRows, RegistryRows,
-                           MemoryRows, XPathRows}) {
+  for (const auto table : {IoRows, EditRows, NavigationRows, WalkRows, RegistryRows, XPathRows,
+                           GrowthRows, CollectionRows, StringRows, MemoryRows}) {
     for (CRowEntry& entry : table()) rows.push_back(std::move(entry));
   }
   return rows;
@@ -110,10 +117,26 @@ bool IsMissing(const CRowEntry& entry) {
   return true;
 }
 
+// The mean of all expressions, above the first of them.
+void AddMean(std::vector<CRowResult>& results) {
+  const CRowResult mean =
+      GeometricMean(results, "xpath.",
+                    {.m_Id = "xpath",
+                     .m_Title = "XPath: geometric mean of the expressions below",
+                     .m_Aim = Times(1, kLibxml2),
+                     .m_Unit = "evaluation"});
+  if (mean.m_Figures.empty()) return;
+  PrintRow(mean);
+  results.insert(std::ranges::find_if(
+                     results, [](const CRowResult& row) { return row.m_Id.starts_with("xpath."); }),
+                 mean);
+}
+
 int Run(const COptions& options) {
   const CLibraries libraries;
   PrepareRunner();
   CSurroundings surroundings = Surroundings(options);
+  if (!options.m_IsQuick) surroundings.emplace_back("at work before", LookAround());
   PrintSurroundings(surroundings);
   PrintHeading();
   std::vector<CRowResult> results;
@@ -125,7 +148,8 @@ int Run(const COptions& options) {
     PrintRow(results.back());
     failures += !results.back().m_Failure.empty();
   }
-  surroundings.emplace_back("load at end", LoadAverage(1));
+  AddMean(results);
+  if (!options.m_IsQuick) surroundings.emplace_back("at work after", LookAround());
   if (results.empty()) std::fputs("tessel_bench: no such row\n", stderr);
   if (!options.m_CsvPath.empty() && !WriteCsv(options.m_CsvPath, surroundings, results)) {
     std::fprintf(stderr, "tessel_bench: cannot write %s\n", options.m_CsvPath.c_str());

@@ -55,7 +55,7 @@ CRow EmptyDocuments(const CSizes&) {
                                  return documents;
                                });
                              }},
-                            {"Xerces-C",
+                            {kXerces,
                              [] {
                                return HeapOf([] { return std::vector<CXercesEmpty>(kDocuments); });
                              }}},
@@ -67,8 +67,8 @@ CRow EmptyDocuments(const CSizes&) {
 
 CRowTable MemoryRows() {
   return {
-      {"memory.id", "Heap of a registered node, among a million", "96 B", NodeIds},
-      {"memory.empty", "Heap of an empty document, of a thousand open", "", EmptyDocuments},
+      {"memory.id", "Heap of a registered node, among a million", Amount(96), NodeIds},
+      {"memory.empty", "Heap of an empty document, of a thousand open", kNoAim, EmptyDocuments},
   };
 }
 

@@ -11,6 +11,10 @@
 namespace bench {
 namespace {
 
+// The same work in other surroundings.
+constexpr const char* kWarmId = "warm id";
+constexpr const char* kNoOtherIds = "no other ids";
+
 // -- One call on an id, by where the id is ------------------------------------
 
 CRow RandomId(const CSizes& sizes) {
@@ -44,7 +48,7 @@ CRow RandomId(const CSizes& sizes) {
   return {"call",
           state->m_Random.size(),
           {{"Tessel", [=] { return call(state->m_Random); }},
-           {"warm id", [=] { return call(state->m_Warm); }}}};
+           {kWarmId, [=] { return call(state->m_Warm); }}}};
 }
 
 // -- Closing documents --------------------------------------------------------
@@ -88,7 +92,7 @@ CRow CloseSmall(const CSizes& sizes) {
   return {"document",
           kDocuments,
           {CloseTen("Tessel", kDocuments, [=] { many->Open(); }),
-           CloseTen("no other ids", kDocuments, [=] { many->Close(); })},
+           CloseTen(kNoOtherIds, kDocuments, [=] { many->Close(); })},
           true};
 }
 
@@ -108,7 +112,7 @@ CRow CloseLarge(const CSizes& sizes) {
       "id",
       nodes,
       {{.m_Name = "Tessel", .m_Work = [=] { return *document->Out() = 0, 0; }, .m_Before = open},
-       {.m_Name = "Xerces-C",
+       {.m_Name = kXerces,
         .m_Work = [=] { return bare->reset(), 0; },
         .m_Before = [=] { *bare = std::make_unique<CXercesDocument>(*xml); }}},
       true};
@@ -153,29 +157,35 @@ CRow WalkOnThreads(const CSizes& sizes, size_t threads) {
       return nodes;
     });
   };
-  return {"node",
-          kDocuments * (1 + kNodesPerItem * sizes.m_MediumItems),
-          {{"Tessel",
-            [=] {
-              return walk([](const CDocuments& one) { return Walk(CTesselTree(), one.Root()); });
-            }},
-           {"Xerces-C", [=] {
-              return walk(
-                  [](const CDocuments& one) { return Walk(CXercesTree(), one.m_Xerces.Root()); });
-            }}}};
+  return {.m_pUnit = "node",
+          .m_Units = kDocuments * (1 + kNodesPerItem * sizes.m_MediumItems),
+          .m_Contestants = {{"Tessel",
+                             [=] {
+                               return walk([](const CDocuments& one) {
+                                 return Walk(CTesselTree(), one.Root());
+                               });
+                             }},
+                            {kXerces,
+                             [=] {
+                               return walk([](const CDocuments& one) {
+                                 return Walk(CXercesTree(), one.m_Xerces.Root());
+                               });
+                             }}},
+          .m_IsOnThreads = true};
 }
 
 }  // namespace
 
 CRowTable RegistryRows() {
   return {
-      {"id.random", "A call on a random id among a million, to one on a warm id", "8", RandomId},
-      {"close.small", "Close a document of ten nodes beside a million ids, to none", "2",
-       CloseSmall},
-      {"close.large", "Close a document with a million ids", "40 ns more", CloseLarge},
-      {"threads.one", "Walk eight documents on one thread, ids closed", "",
+      {"id.random", "A call on a random id among a million, to one on a warm id", Times(6, kWarmId),
+       RandomId},
+      {"close.small", "Close a document of ten nodes beside a million ids, to none",
+       Times(2, kNoOtherIds), CloseSmall},
+      {"close.large", "Close a document with a million ids", More(35, kXerces), CloseLarge},
+      {"threads.one", "Walk eight documents on one thread, ids closed", kNoAim,
        [](const CSizes& sizes) { return WalkOnThreads(sizes, 1); }},
-      {"threads.eight", "Walk eight documents on eight threads, ids closed", "",
+      {"threads.eight", "Walk eight documents on eight threads, ids closed", kNoAim,
        [](const CSizes& sizes) { return WalkOnThreads(sizes, 8); }},
   };
 }

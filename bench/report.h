@@ -1,20 +1,13 @@
-// What a run prints: the machine, the table, the CSV file.
+// What a run prints: the table, the CSV file.
 #pragma once
 
 #include <string>
-#include <utility>
 #include <vector>
 
+#include "machine.h"
 #include "runner.h"
 
 namespace bench {
-
-// What the figures were measured on and with, as names and values.
-using CSurroundings = std::vector<std::pair<std::string, std::string>>;
-CSurroundings Surroundings(const COptions& options);
-
-// The load average, with a warning where it is well above the run's own share.
-std::string LoadAverage(double own);
 
 void PrintSurroundings(const CSurroundings& surroundings);
 void PrintHeading();

@@ -17,6 +17,9 @@ struct CSizes {
   size_t m_Elements;     // made by the editing rows
   size_t m_TextBytes;    // of a long text
   size_t m_Calls;        // of a row that repeats one small call
+  size_t m_QueryItems;   // of the document that expressions are evaluated on
+  size_t m_OpenMaps;     // of another document, beside an edit
+  size_t m_Growth;       // items of a row's smaller document; the larger has twice as many
 };
 
 struct CContestant {
@@ -30,8 +33,9 @@ struct CContestant {
   std::function<uint64_t()> m_Check = {};
 };
 
-// The first contestant is Tessel, the second what its ratio is to, the others are
-// peers. What they share lives as long as their functions.
+// The first contestant is Tessel. What it is compared with besides libxml2 and pugixml
+// is the bare library, or the same work in other surroundings, whose name says so. What
+// they share lives as long as their functions.
 struct CRow {
   const char* m_pUnit;  // what a figure is per
   size_t m_Units;       // done by one m_Work
@@ -39,12 +43,32 @@ struct CRow {
   bool m_IsOnce = false;  // one m_Work a repetition, as its surroundings are dear
   // The contestants give bytes of heap, not work that takes time.
   bool m_IsMemory = false;
+  // The work is done by threads of its own: its time is the clock's on the wall, where
+  // that of others is the processor's.
+  bool m_IsOnThreads = false;
 };
+
+inline constexpr const char* kLibxml2 = "libxml2";
+inline constexpr const char* kPugixml = "pugixml";
+inline constexpr const char* kXerces = "Xerces-C";
+
+// What Tessel's figure is to reach: at most so many times that of another contestant, or
+// so much more (nanoseconds or bytes), or so much by itself.
+struct CAim {
+  enum class EKind { kNone, kRatio, kMore, kAmount };
+  EKind m_Kind = EKind::kNone;
+  double m_Most = 0;
+  const char* m_pTo = "";
+};
+inline constexpr CAim kNoAim{};
+constexpr CAim Times(double most, const char* pTo) { return {CAim::EKind::kRatio, most, pTo}; }
+constexpr CAim More(double most, const char* pTo) { return {CAim::EKind::kMore, most, pTo}; }
+constexpr CAim Amount(double most) { return {CAim::EKind::kAmount, most, ""}; }
 
 struct CRowEntry {
   const char* m_pId;
   const char* m_pTitle;
-  const char* m_pAim;  // empty for none
+  CAim m_Aim;
   std::function<CRow(const CSizes&)> m_Make;
   const char* m_pNeededFile = nullptr;  // the row is left out where this is missing
 };
@@ -52,11 +76,13 @@ struct CRowEntry {
 using CRowTable = std::vector<CRowEntry>;
 CRowTable IoRows();
 CRowTable WalkRows();
+CRowTable NavigationRows();
 CRowTable EditRows();
 CRowTable CollectionRows();
 CRowTable StringRows();
 CRowTable RegistryRows();
 CRowTable MemoryRows();
 CRowTable XPathRows();
+CRowTable GrowthRows();
 
 }  // namespace bench

@@ -2,9 +2,10 @@
 
 #include <benchmark/benchmark.h>
 #include <tessel/standin.h>
+#include <time.h>
 
 #include <algorithm>
-#include <chrono>
+#include <cmath>
 #include <map>
 #include <optional>
 
@@ -43,11 +44,19 @@ class CCollector : public benchmark::BenchmarkReporter {
   std::string m_Failure;
 };
 
+// Seconds. What else runs on the machine takes no time of the thread's, though it takes
+// of its caches.
+double Now(bool isOnThreads) {
+  struct timespec time = {};
+  ::clock_gettime(isOnThreads ? CLOCK_MONOTONIC : CLOCK_THREAD_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
 // One contestant's iterations: the work alone is timed.
 class CDriver {
  public:
-  CDriver(const CContestant& contestant, bool isMemory, CAgreement& agreement)
-      : m_Contestant(contestant), m_IsMemory(isMemory), m_Agreement(agreement) {}
+  CDriver(const CContestant& contestant, const CRow& row, CAgreement& agreement)
+      : m_Contestant(contestant), m_Row(row), m_Agreement(agreement) {}
 
   void operator()(benchmark::State& state) {
     try {
@@ -62,13 +71,13 @@ class CDriver {
  private:
   void Iterate(benchmark::State& state) {
     if (m_Contestant.m_Before) m_Contestant.m_Before();
-    const auto start = std::chrono::steady_clock::now();
-    uint64_t result = m_Contestant.m_Work();
-    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-    if (m_IsMemory) {
+    const double start = Now(m_Row.m_IsOnThreads);
+    const uint64_t result = m_Contestant.m_Work();
+    const double taken = Now(m_Row.m_IsOnThreads) - start;
+    if (m_Row.m_IsMemory) {
       state.SetIterationTime(static_cast<double>(result) * 1e-9);  // a byte is a nanosecond
     } else {
-      state.SetIterationTime(taken.count());
+      state.SetIterationTime(taken);
       Agree(result);
     }
     if (m_Contestant.m_After) m_Contestant.m_After();
@@ -85,7 +94,7 @@ class CDriver {
   }
 
   const CContestant& m_Contestant;
-  bool m_IsMemory;
+  const CRow& m_Row;
   CAgreement& m_Agreement;
   bool m_IsChecked = false;
 };
@@ -111,7 +120,7 @@ void RunContestants(const CRow& row, const COptions& options, CRowResult& result
   CAgreement agreement;
   std::vector<CDriver> drivers;
   for (const CContestant& contestant : row.m_Contestants) {
-    drivers.emplace_back(contestant, row.m_IsMemory, agreement);
+    drivers.emplace_back(contestant, row, agreement);
   }
   for (size_t i = 0; i < drivers.size(); ++i) {
     Register(row, drivers[i], row.m_Contestants[i].m_Name, options);
@@ -137,6 +146,54 @@ std::string WhatIsLeft() {
 
 }  // namespace
 
+const CFigure* CRowResult::Of(std::string_view contestant) const {
+  const auto found = std::ranges::find(m_Figures, contestant, &CFigure::m_Contestant);
+  return found != m_Figures.end() ? &*found : nullptr;
+}
+
+const CFigure* CRowResult::Bare() const {
+  for (size_t i = 1; i < m_Figures.size(); ++i) {
+    const std::string& name = m_Figures[i].m_Contestant;
+    if (name != kLibxml2 && name != kPugixml) return &m_Figures[i];
+  }
+  return nullptr;
+}
+
+bool CRowResult::IsAimMissed() const {
+  if (m_Aim.m_Kind == CAim::EKind::kNone || m_Figures.empty()) return false;
+  const double ours = m_Figures.front().m_Median;
+  if (m_Aim.m_Kind == CAim::EKind::kAmount) return ours > m_Aim.m_Most;
+  const CFigure* pOther = Of(m_Aim.m_pTo);
+  if (pOther == nullptr) return true;
+  if (m_Aim.m_Kind == CAim::EKind::kMore) return ours - pOther->m_Median > m_Aim.m_Most;
+  return RatioTo(*pOther) > m_Aim.m_Most;
+}
+
+CRowResult GeometricMean(const std::vector<CRowResult>& rows, std::string_view beginning,
+                         const CRowResult& heading) {
+  CRowResult mean = heading;
+  for (const CRowResult& row : rows) {
+    if (!row.m_Id.starts_with(beginning) || !row.m_Failure.empty()) continue;
+    if (mean.m_Figures.empty()) {
+      for (const CFigure& figure : row.m_Figures) mean.m_Figures.push_back({figure.m_Contestant});
+    }
+    ++mean.m_Units;
+    for (CFigure& sum : mean.m_Figures) {
+      const CFigure* pFigure = row.Of(sum.m_Contestant);
+      if (pFigure == nullptr) continue;
+      sum.m_Median += std::log(pFigure->m_Median);
+      sum.m_Lowest += std::log(pFigure->m_Lowest);
+      sum.m_Highest += std::log(pFigure->m_Highest);
+    }
+  }
+  for (CFigure& figure : mean.m_Figures) {
+    for (double* pValue : {&figure.m_Median, &figure.m_Lowest, &figure.m_Highest}) {
+      *pValue = std::exp(*pValue / static_cast<double>(mean.m_Units));
+    }
+  }
+  return mean;
+}
+
 void PrepareRunner() {
   char program[] = "tessel_bench";
   char interleaving[] = "--benchmark_enable_random_interleaving=true";
@@ -146,7 +203,7 @@ void PrepareRunner() {
 }
 
 CRowResult RunRow(const CRowEntry& entry, const CSizes& sizes, const COptions& options) {
-  CRowResult result{.m_Id = entry.m_pId, .m_Title = entry.m_pTitle, .m_Aim = entry.m_pAim};
+  CRowResult result{.m_Id = entry.m_pId, .m_Title = entry.m_pTitle, .m_Aim = entry.m_Aim};
   try {
     const CRow row = entry.m_Make(sizes);
     result.m_Unit = row.m_pUnit;

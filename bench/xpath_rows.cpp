@@ -1,6 +1,5 @@
 #include <libxml/xpath.h>
 
-#include <optional>
 #include <stdexcept>
 #include <xalanc/XPath/NodeRefList.hpp>
 #include <xalanc/XPath/XPathEvaluator.hpp>
@@ -16,21 +15,42 @@
 namespace bench {
 namespace {
 
-// The medium document with an item of its middle, where every expression starts.
+struct CFreeContext {
+  void operator()(xmlXPathContext* pContext) const { xmlXPathFreeContext(pContext); }
+};
+struct CFreeResult {
+  void operator()(xmlXPathObject* pResult) const { xmlXPathFreeObject(pResult); }
+};
+
+// A document of items with one of its middle, where every expression starts. What
+// libxml2 evaluates with is kept, as its programs keep it.
 struct CContext {
-  explicit CContext(const CSizes& sizes) : m_Documents(ItemsXml(sizes.m_MediumItems)) {
-    const size_t middle = sizes.m_MediumItems / 2;
+  explicit CContext(const CSizes& sizes) : m_Documents(QueryXml(sizes.m_QueryItems)) {
+    const size_t middle = sizes.m_QueryItems / 2;
     CIds items(Children<CTesselTree>(m_Documents.Root()));
     std::swap(*m_Tessel.Out(), items.Get()[middle]);  // with its hand-out
     m_pXerces = Children<CXercesTree>(m_Documents.m_Xerces.Root())[middle];
-    m_pLibxml2 = Children<CLibxml2Tree>(m_Documents.Libxml2Root())[middle];
+    m_Libxml2.reset(xmlXPathNewContext(m_Documents.m_Libxml2.get()));
+    m_Libxml2->node = Children<CLibxml2Tree>(m_Documents.Libxml2Root())[middle];
     m_Pugixml = Children<CPugixmlTree>(m_Documents.PugixmlRoot())[middle];
   }
   CDocuments m_Documents;
   CNode m_Tessel;
   xercesc::DOMNode* m_pXerces;
-  xmlNode* m_pLibxml2;
+  std::unique_ptr<xmlXPathContext, CFreeContext> m_Libxml2;
   pugi::xml_node m_Pugixml;
+};
+
+// All rows share one, which the first of them makes.
+class CSharedContext {
+ public:
+  std::shared_ptr<CContext> Get(const CSizes& sizes) {
+    if (m_Context == nullptr) m_Context = std::make_shared<CContext>(sizes);
+    return m_Context;
+  }
+
+ private:
+  std::shared_ptr<CContext> m_Context;
 };
 
 // A program that keeps nothing between two evaluations, as the tree may change.
@@ -47,19 +67,10 @@ uint64_t EvaluateXalan(const CContext& context, const std::u16string& expression
   return nodes.getLength();
 }
 
-struct CFreeContext {
-  void operator()(xmlXPathContext* pContext) const { xmlXPathFreeContext(pContext); }
-};
-struct CFreeResult {
-  void operator()(xmlXPathObject* pResult) const { xmlXPathFreeObject(pResult); }
-};
-
+// Compiles the expression every time.
 uint64_t EvaluateLibxml2(const CContext& context, const std::string& expression) {
-  const std::unique_ptr<xmlXPathContext, CFreeContext> evaluation(
-      xmlXPathNewContext(context.m_Documents.m_Libxml2.get()));
-  evaluation->node = context.m_pLibxml2;
   const std::unique_ptr<xmlXPathObject, CFreeResult> result(xmlXPathEvalExpression(
-      reinterpret_cast<const xmlChar*>(expression.c_str()), evaluation.get()));
+      reinterpret_cast<const xmlChar*>(expression.c_str()), context.m_Libxml2.get()));
   if (result == nullptr) throw std::runtime_error("libxml2 refuses " + expression);
   return result->nodesetval == nullptr ? 0 : static_cast<uint64_t>(result->nodesetval->nodeNr);
 }
@@ -71,58 +82,86 @@ uint64_t EvaluatePugixml(const CContext& context, const std::string& expression)
 }
 
 // The ids are closed after the clock has stopped.
-CContestant EvaluateTessel(const std::shared_ptr<CContext>& context,
-                           const std::string& expression) {
+CContestant EvaluateTessel(const std::shared_ptr<CContext>& context, const std::string& expression,
+                           size_t times) {
   const auto text = std::make_shared<CText>(expression);
-  const auto nodes = std::make_shared<std::optional<CNodeArray>>();
+  const auto results = std::make_shared<std::vector<CNodeArray>>();
   return {.m_Name = "Tessel",
           .m_Work =
               [=] {
                 CText errorText;
-                Require(XPathEvaluateContextToNodeArray(context->m_Tessel.Get(), text->Get(),
-                                                        (*nodes)->Get(), errorText.Get()),
-                        "XPathEvaluateContextToNodeArray");
-                return (*nodes)->Size();
+                uint64_t nodes = 0;
+                for (CNodeArray& result : *results) {
+                  Require(XPathEvaluateContextToNodeArray(context->m_Tessel.Get(), text->Get(),
+                                                          result.Get(), errorText.Get()),
+                          "XPathEvaluateContextToNodeArray");
+                  nodes += result.Size();
+                }
+                return nodes;
               },
-          .m_Before = [=] { nodes->emplace(); },
-          .m_After = [=] { nodes->reset(); }};
+          .m_Before = [=] { *results = std::vector<CNodeArray>(times); },
+          .m_After = [=] { results->clear(); }};
 }
 
-CRow EvaluateRow(const CSizes& sizes, const std::string& expression) {
-  const auto context = std::make_shared<CContext>(sizes);
+CRow EvaluateRow(const std::shared_ptr<CContext>& context, const std::string& expression,
+                 size_t times) {
   const std::u16string wide = Wide(expression.c_str());
-  return {"evaluation",
-          1,
-          {EvaluateTessel(context, expression),
-           {"Xalan-C", [=] { return EvaluateXalan(*context, wide); }},
-           {"libxml2", [=] { return EvaluateLibxml2(*context, expression); }},
-           {"pugixml", [=] { return EvaluatePugixml(*context, expression); }}}};
-}
-
-CRowEntry Row(const char* pId, const char* pTitle, const char* pAim, const char* pExpression) {
-  return {pId, pTitle, pAim, [=](const CSizes& sizes) { return EvaluateRow(sizes, pExpression); }};
+  const auto repeated = [=](auto evaluate) {
+    return [=] {
+      uint64_t nodes = 0;
+      for (size_t i = 0; i < times; ++i) nodes += evaluate();
+      return nodes;
+    };
+  };
+  CRow row{"evaluation",
+           times,
+           {EvaluateTessel(context, expression, times),
+            {kLibxml2, repeated([=] { return EvaluateLibxml2(*context, expression); })},
+            {kPugixml, repeated([=] { return EvaluatePugixml(*context, expression); })}}};
+  // To build a wrapper for each of many evaluations takes minutes.
+  if (times == 1) {
+    row.m_Contestants.push_back({"Xalan-C", [=] { return EvaluateXalan(*context, wide); }});
+  }
+  return row;
 }
 
 }  // namespace
 
 CRowTable XPathRows() {
-  constexpr const char* kLocal = "1; 10 to libxml2";
-  constexpr const char* kWhole = "1; 5 to libxml2";
-  // By value, an item that both the full and the quick documents have.
-  const auto byId = [](const CSizes& sizes) {
-    return EvaluateRow(sizes, "//item[@id='" + ItemId(sizes.m_MediumItems / 3) + "']");
+  struct CExpression {
+    const char* m_pId;
+    const char* m_pTitle;  // "XPath " and the expression
+    bool m_IsShort = false;
   };
-  return {
-      Row("xpath.attribute", "XPath @id", kLocal, "@id"),
-      Row("xpath.sibling", "XPath ../item[3]", kLocal, "../item[3]"),
-      Row("xpath.first", "XPath /list/item[1]", kLocal, "/list/item[1]"),
-      Row("xpath.last", "XPath /list/item[last()]", "1", "/list/item[last()]"),
-      Row("xpath.items", "XPath //item", kWhole, "//item"),
-      Row("xpath.names", "XPath //name", kWhole, "//name"),
-      {"xpath.id", "XPath //item[@id='...']", kWhole, byId},
-      Row("xpath.text", "XPath //item[name='amber delta']", kWhole, "//item[name='amber delta']"),
-      Row("xpath.union", "XPath //name | //note", "1", "//name | //note"),
+  static constexpr size_t kTitleStart = 6;
+  static constexpr CExpression kExpressions[] = {
+      {"xpath.attribute", "XPath @id", true},
+      {"xpath.sibling", "XPath ../item[3]", true},
+      {"xpath.first", "XPath /root/item[1]", true},
+      {"xpath.own.text", "XPath name/text()", true},
+      {"xpath.items", "XPath //item"},
+      {"xpath.names", "XPath //name"},
+      {"xpath.path", "XPath /root/item/name"},
+      {"xpath.by.id", "XPath //item[@id='777']"},
+      {"xpath.by.name", "XPath //item[name='Name 777']"},
+      {"xpath.above", "XPath /root/item[@id > 30000]/name"},
+      {"xpath.last", "XPath //item[last()]"},
+      {"xpath.position", "XPath //item[position() < 10]"},
+      {"xpath.union", "XPath //name | //item"},
+      {"xpath.contains", "XPath //item[contains(name, '77')]"},
+      {"xpath.parents", "XPath //name/.."},
+      {"xpath.texts", "XPath //item[@id]/name/text()"},
   };
+  const auto context = std::make_shared<CSharedContext>();
+  CRowTable rows;
+  for (const CExpression& expression : kExpressions) {
+    rows.push_back(
+        {expression.m_pId, expression.m_pTitle, Times(2, kLibxml2), [=](const CSizes& sizes) {
+           return EvaluateRow(context->Get(sizes), expression.m_pTitle + kTitleStart,
+                              expression.m_IsShort ? sizes.m_Calls / 10 : 1);
+         }});
+  }
+  return rows;
 }
 
 }  // namespace bench
