@@ -18,10 +18,6 @@ namespace {
 
 constexpr size_t kHeader = offsetof(GenericRefObjSessionArrayRecord, ids);
 
-// Nodes of a large result have left the cache by the time that they are registered, so
-// they are fetched some way ahead.
-constexpr size_t kAhead = 8;
-
 // Gives the array room for `count` ids; false where the host refuses.
 bool Resize(GenericRefObjSessionArray* pArray, size_t count) {
   if (count > static_cast<size_t>(std::numeric_limits<int32_t>::max())) return false;
@@ -44,11 +40,7 @@ void StoreNodes(std::span<DOMNode* const> nodes, GenericRefObjSessionArray* pArr
   }
   (**pArray)->count = static_cast<int32_t>(nodes.size());
   (**pArray)->zero = 0;
-  uint64_t* pId = IdsOf(*pArray);
-  for (size_t i = 0; i < nodes.size(); ++i) {
-    if (i + kAhead < nodes.size()) __builtin_prefetch(nodes[i + kAhead]);
-    *pId++ = g_NodeSessMap.Insert(nodes[i]);
-  }
+  g_NodeSessMap.Insert(nodes, IdsOf(*pArray));
 }
 
 void TSUNodeListToArray(GenericRefObjSessionArray* array, void* nodeList) {

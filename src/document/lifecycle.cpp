@@ -85,8 +85,8 @@ void DeleteDocumentObject(CXercesDOM* pDom) {
   delete pDom;
 }
 
-void CloseDocument(TSXRefId id, const CDOMNodeSessMap::CEntry& entry) {
-  if (!g_NodeSessMap.DeleteBySess(id)) return;
+void CloseDocument(const CDOMNodeSessMap::CClosed& entry) {
+  if (!entry.m_IsLast) return;
   if (entry.m_Kind != ENodeKind::kDocumentObject) {
     ReleaseUnowned(entry);
     return;
@@ -95,14 +95,13 @@ void CloseDocument(TSXRefId id, const CDOMNodeSessMap::CEntry& entry) {
   if (g_NodeDomMap.DeleteByDom(pDom)) DeleteDocumentObject(pDom);
 }
 
-void CloseNode(TSXRefId id, const CDOMNodeSessMap::CEntry& entry) {
-  const bool last = g_NodeSessMap.DeleteBySess(id);
+void CloseNode(const CDOMNodeSessMap::CClosed& entry) {
   // The document node's entry leads to its document object, which owns the tree:
   // it does not make the node one to be freed.
-  if (entry.m_Kind == ENodeKind::kNode && g_NodeDomMap.DeleteByNode(entry.m_pNode)) {
+  if (entry.m_Kind == ENodeKind::kNode && g_NodeDomMap.DeleteLoose(entry.m_pNode)) {
     // Contract: freed at every close, however many hand-outs are left.
     dom::Release(*entry.m_pNode);
-  } else if (last && entry.m_Kind != ENodeKind::kDocumentObject) {
+  } else if (entry.m_IsLast && !entry.m_IsOwned && entry.m_Kind != ENodeKind::kDocumentObject) {
     ReleaseUnowned(entry);
   }
 }
@@ -110,8 +109,10 @@ void CloseNode(TSXRefId id, const CDOMNodeSessMap::CEntry& entry) {
 // Contract: closing reports nothing and swallows what the DOM refuses.
 template <class Call>
 void Close(TSXRefId id, Call close) {
-  const auto entry = g_NodeSessMap.GetEntryBySess(id);
-  if (entry.m_pNode != nullptr) Always<domErrUnexpected>::Run([&] { close(id, entry); });
+  Always<domErrUnexpected>::Run([&] {
+    const auto closed = g_NodeSessMap.Close(id);
+    if (closed.m_pNode != nullptr) close(closed);
+  });
 }
 
 }  // namespace

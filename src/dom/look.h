@@ -69,8 +69,8 @@ inline DOMNode* ParentOrElement(const DOMNode& node) {
 }
 
 // Null for a document and a document type that no document has taken.
-inline xercesc::DOMDocument* OwnerDocument(const DOMNode& node) {
-  switch (node.getNodeType()) {
+inline xercesc::DOMDocument* OwnerDocumentAs(const DOMNode& node, DOMNode::NodeType type) {
+  switch (type) {
     case DOMNode::TEXT_NODE:
       return As<xercesc::DOMTextImpl>(node).fCharacterData.fDoc;
     case DOMNode::CDATA_SECTION_NODE:
@@ -84,8 +84,11 @@ inline xercesc::DOMDocument* OwnerDocument(const DOMNode& node) {
     case DOMNode::NOTATION_NODE:
       return node.getOwnerDocument();
     default:
-      return ParentPart(node)->fOwnerDocument;
+      return ParentPart(node, type)->fOwnerDocument;
   }
+}
+inline xercesc::DOMDocument* OwnerDocument(const DOMNode& node) {
+  return OwnerDocumentAs(node, node.getNodeType());
 }
 
 // The document of a node, the node itself for a document; null as for OwnerDocument.

@@ -1,8 +1,7 @@
 // Reference ids for DOM nodes, each tied to the document that owns its node.
 #pragma once
 
-#include <absl/container/btree_map.h>
-
+#include <map>
 #include <span>
 #include <xercesc/dom/DOM.hpp>
 
@@ -21,9 +20,26 @@ struct CNodeSlot : CSessSlot<xercesc::DOMNode> {
   unsigned long m_Next = 0;
 };
 
+// The nodes of the DOM note their ids themselves; documents and document objects, which
+// are few, stand in an index by address.
+class CNodeIndex {
+ public:
+  unsigned long Find(const xercesc::DOMNode& node) const;
+  void Insert(const CNodeSlot& slot, unsigned long id);
+  // For a node of the DOM that is no document.
+  static void Note(xercesc::DOMNodeImpl& part, unsigned long id);
+  void Erase(const CNodeSlot& slot) {
+    if (slot.m_Kind != ENodeKind::kNode) m_Documents.Erase(slot.m_pObject);
+  }
+
+ private:
+  CPointerIndex m_Documents;
+};
+
 template <>
-struct CSlotOf<xercesc::DOMNode> {
-  using Type = CNodeSlot;
+struct CKept<xercesc::DOMNode> {
+  using Slot = CNodeSlot;
+  using Index = CNodeIndex;
 };
 
 // On top of CPtrSessMap, each id has the owner document that its node had when the id was
@@ -43,9 +59,20 @@ class TESSEL_DATA CDOMNodeSessMap : public CPtrSessMap<xercesc::DOMNode> {
 
   unsigned long Insert(xercesc::DOMNode* pNode);
 
+  // As Insert for each of these nodes, none of them null. Where memory runs out on the
+  // way, those before have their ids.
+  void Insert(std::span<xercesc::DOMNode* const> nodes, uint64_t* pIds);
+
   // As the base's, and the last hand-out of a document's id takes the ids of all
   // nodes of that document with it.
-  bool DeleteBySess(unsigned long id);
+  bool DeleteBySess(unsigned long id) { return Close(id).m_IsLast; }
+
+  // The same, with what the id stood for.
+  struct CClosed : CEntry {
+    bool m_IsLast = false;
+    bool m_IsOwned = false;  // whether a document owned the node when the id was issued
+  };
+  CClosed Close(unsigned long id);
 
   // As GetPtrBySess, with what the id stands for.
   CEntry GetEntryBySess(unsigned long id);
@@ -69,17 +96,25 @@ class TESSEL_DATA CDOMNodeSessMap : public CPtrSessMap<xercesc::DOMNode> {
   void WithdrawDocument(xercesc::DOMDocument& document) noexcept;
 
  private:
-  static void SetKind(CSlot& slot, xercesc::DOMNode& node);
+  unsigned long InsertNode(xercesc::DOMNode& node) TESSEL_REQUIRES(m_Mutex);
+  unsigned long InsertDocument(xercesc::DOMNode& node) TESSEL_REQUIRES(m_Mutex);
   // The tree that closing this id takes along; null for a plain node.
   static xercesc::DOMDocument* DocumentOf(const CSlot& slot);
 
-  // Puts the id into the document's list; nothing for a null document.
-  void InsertDocNodeMapEntry(xercesc::DOMDocument* pDoc, unsigned long id) TESSEL_REQUIRES(m_Mutex);
+  // The first id of a document's nodes, 0 for none. May throw where there was none.
+  unsigned long& FirstOwnedBy(xercesc::DOMDocument* pDoc) TESSEL_REQUIRES(m_Mutex);
+
+  // Puts the id into the document's list, whose first id is given.
+  void Link(xercesc::DOMDocument* pDoc, unsigned long& first, unsigned long id)
+      TESSEL_REQUIRES(m_Mutex);
   void Unlink(CSlot& slot) TESSEL_REQUIRES(m_Mutex);
 
   void WithdrawNode(xercesc::DOMNode* pNode) TESSEL_REQUIRES(m_Mutex);
 
   void SweepDocument(xercesc::DOMDocument* pDoc) TESSEL_REQUIRES(m_Mutex);
 
-  absl::btree_map<xercesc::DOMDocument*, unsigned long> m_OwnedBy TESSEL_GUARDED_BY(m_Mutex);
+  using COwnedBy = std::map<xercesc::DOMDocument*, unsigned long>;
+  COwnedBy m_OwnedBy TESSEL_GUARDED_BY(m_Mutex);
+  // The list that was asked for last, which alone may be empty.
+  COwnedBy::value_type* m_pLastOwned TESSEL_GUARDED_BY(m_Mutex) = nullptr;
 };

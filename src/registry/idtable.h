@@ -1,17 +1,19 @@
 // Slots by id.
 #pragma once
 
+#include <absl/container/btree_map.h>
+
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <unordered_map>
 #include <utility>
 
-// Ids are issued in ascending order, so the slots of neighbours share a page: a
-// look-up costs a search among pages, not among ids. A page is freed when its last
-// id goes, but never the newest one, which the next ids are for; so the table holds
-// no more than its ids need, however many have come and gone. (Hash buckets stay, 8
-// bytes for 256 ids open at once.)
+// Ids are issued in ascending order, so the slots of neighbours share a page, and the
+// pages of neighbours a shelf: a look-up costs a search among shelves, of which there is
+// one for a quarter of a million ids. A page is freed when its last id goes, but never the
+// newest one, which the next ids are for, and a shelf when its last page goes; so the table
+// holds no more than its ids need, however many have come and gone.
 //
 // A default-made slot is a free one; Slot::IsFree tells, Slot::SetFree makes it one.
 template <class Slot>
@@ -34,20 +36,30 @@ class CIdTable {
   // Fills the place that was reserved last.
   Slot& Occupy(unsigned long id, const Slot& slot) noexcept {
     ++m_pNewest->m_Used;
+    ++m_Count;
     return m_pNewest->m_Slots[id % kPageSize] = slot;
   }
 
   void Erase(unsigned long id) {
     CPage* pPage = PageOf(id);
     pPage->m_Slots[id % kPageSize].SetFree();
+    --m_Count;
     if (--pPage->m_Used == 0 && pPage != m_pNewest) ClosePage(id / kPageSize);
   }
 
+  // How many slots are in use.
+  size_t Count() const { return m_Count; }
+
  private:
   static constexpr unsigned long kPageSize = 256;
+  static constexpr unsigned long kShelfSize = 1024;  // pages
 
   struct CPage {
     std::array<Slot, kPageSize> m_Slots{};
+    unsigned m_Used = 0;
+  };
+  struct CShelf {
+    std::array<std::unique_ptr<CPage>, kShelfSize> m_Pages;
     unsigned m_Used = 0;
   };
 
@@ -55,26 +67,38 @@ class CIdTable {
   CPage* PageOf(unsigned long id) const {
     const unsigned long number = id / kPageSize;
     if (m_pLast != nullptr && number == m_LastPage) return m_pLast;
-    const auto found = m_Pages.find(number);
-    if (found == m_Pages.end()) return nullptr;
+    const auto shelf = m_Shelves.find(number / kShelfSize);
+    if (shelf == m_Shelves.end()) return nullptr;
+    CPage* pPage = shelf->second->m_Pages[number % kShelfSize].get();
+    if (pPage == nullptr) return nullptr;
     m_LastPage = number;
-    return m_pLast = found->second.get();
+    return m_pLast = pPage;
   }
 
+  // No page has the number yet.
   void OpenPage(unsigned long number) {
     auto fresh = std::make_unique<CPage>();
-    const auto [entry, isNew] = m_Pages.try_emplace(number, std::move(fresh));
-    CPage* pLeft = std::exchange(m_pNewest, entry->second.get());
+    auto shelf = m_Shelves.find(number / kShelfSize);
+    if (shelf == m_Shelves.end()) {
+      auto pFresh = std::make_unique<CShelf>();
+      shelf = m_Shelves.emplace(number / kShelfSize, std::move(pFresh)).first;
+    }
+    CPage* pLeft = std::exchange(m_pNewest, fresh.get());
     const unsigned long left = std::exchange(m_NewestPage, number);
+    shelf->second->m_Pages[number % kShelfSize] = std::move(fresh);
+    ++shelf->second->m_Used;
     if (pLeft != nullptr && pLeft->m_Used == 0) ClosePage(left);
   }
 
   void ClosePage(unsigned long number) {
-    m_Pages.erase(number);
+    const auto shelf = m_Shelves.find(number / kShelfSize);
+    shelf->second->m_Pages[number % kShelfSize].reset();
+    if (--shelf->second->m_Used == 0) m_Shelves.erase(shelf);
     if (number == m_LastPage) m_pLast = nullptr;
   }
 
-  std::unordered_map<unsigned long, std::unique_ptr<CPage>> m_Pages;
+  absl::btree_map<unsigned long, std::unique_ptr<CShelf>> m_Shelves;
+  size_t m_Count = 0;
   CPage* m_pNewest = nullptr;
   unsigned long m_NewestPage = 0;
   mutable CPage* m_pLast = nullptr;

@@ -4,6 +4,7 @@
 #include <absl/container/btree_map.h>
 #include <absl/container/btree_set.h>
 
+#include <atomic>
 #include <span>
 #include <utility>
 #include <xercesc/dom/DOM.hpp>
@@ -32,6 +33,10 @@ class CNodeDomMap {
   // True exactly when an entry was erased.
   bool DeleteByNode(xercesc::DOMNode* pNode);
 
+  // The same for a node that is no document. Nearly always there is no such entry at all,
+  // which costs no lock.
+  bool DeleteLoose(xercesc::DOMNode* pNode) { return m_LooseCount != 0 && DeleteByNode(pNode); }
+
   // Erases every entry of a document object; true when there was one.
   bool DeleteByDom(CXercesDOM* pDom);
 
@@ -48,6 +53,7 @@ class CNodeDomMap {
   struct CEntry {
     CXercesDOM* m_pDom;
     const xercesc::DOMDocument* m_pTree;
+    bool m_IsLoose;  // of a node that is no document
   };
 
   template <class Owner>
@@ -61,5 +67,8 @@ class CNodeDomMap {
   absl::btree_map<xercesc::DOMNode*, CEntry> m_NodeToDom TESSEL_GUARDED_BY(m_Mutex);
   CIndex<CXercesDOM*> m_ByDom TESSEL_GUARDED_BY(m_Mutex);
   CIndex<const xercesc::DOMDocument*> m_ByTree TESSEL_GUARDED_BY(m_Mutex);
+  // Changed under m_Mutex. A thread sees what it did itself, and what was done before a
+  // document came to it.
+  std::atomic<size_t> m_LooseCount = 0;
   CHostMutex m_Mutex;
 };

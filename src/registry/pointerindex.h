@@ -18,8 +18,6 @@
 // Null is an address like any other. No id is 0.
 class CPointerIndex {
  public:
-  size_t Size() const { return m_Size; }
-
   // 0 for an address without id.
   unsigned long Find(const void* p) const {
     const CRegion* pRegion = At(RegionOf(p));
@@ -32,15 +30,12 @@ class CPointerIndex {
     CRegion* pRegion = At(number);
     if (pRegion == nullptr) pRegion = Add(number);
     pRegion->Insert(PlaceOf(p), id);
-    ++m_Size;
   }
 
   // False where there is nothing to erase.
   bool Erase(const void* p) {
     CRegion* pRegion = At(RegionOf(p));
-    if (pRegion == nullptr || !pRegion->Erase(PlaceOf(p))) return false;
-    --m_Size;
-    return true;
+    return pRegion != nullptr && pRegion->Erase(PlaceOf(p));
   }
 
  private:
@@ -130,5 +125,4 @@ class CPointerIndex {
   mutable std::unique_ptr<CRegion> m_Spare;
   mutable uintptr_t m_LastNumber = kNoRegion;
   mutable CRegion* m_pLast = nullptr;
-  size_t m_Size = 0;
 };

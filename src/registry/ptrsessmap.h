@@ -41,9 +41,25 @@ struct CHeldSlot : CSessSlot<T> {
   [[no_unique_address]] CReading<T> m_Reading{};
 };
 
+// Ids by the addresses of the objects.
 template <class T>
-struct CSlotOf {
-  using Type = CHeldSlot<T>;
+class CObjectIndex {
+ public:
+  unsigned long Find(const T& object) const { return m_Ids.Find(&object); }
+  // When it throws nothing has changed.
+  void Insert(const CSessSlot<T>& slot, unsigned long id) { m_Ids.Insert(slot.m_pObject, id); }
+  void Erase(const CSessSlot<T>& slot) { m_Ids.Erase(slot.m_pObject); }
+
+ private:
+  CPointerIndex m_Ids;
+};
+
+// What a registry keeps for an id, and how it finds the id of an object. An index may
+// give an id that the object has no more, or 0 for none; the slot of the id tells.
+template <class T>
+struct CKept {
+  using Slot = CHeldSlot<T>;
+  using Index = CObjectIndex<T>;
 };
 
 // A registered collection with the node that holds it; null for none.
@@ -59,8 +75,8 @@ struct CHeld {
 // borrowed: a registry never frees one.
 //
 // Invariants, under m_Mutex:
-// - m_PtrToSess and the slots' objects are inverse of each other. The id of an object
-//   that is gone is withdrawn: it is unknown from then on, as if it had been closed.
+// - m_PtrToSess leads from the slots' objects to their ids. The id of an object that is
+//   gone is withdrawn: it is unknown from then on, as if it had been closed.
 // - A slot that is in use has a count of at least 1.
 // - Ids only grow; none is issued twice.
 // A registration that runs out of memory leaves the registry as it was.
@@ -78,7 +94,8 @@ class TESSEL_DATA CPtrSessMap {
     if (p == nullptr) return 0;
     if (const unsigned long known = CountAgain(p)) return known;
     CSlot slot;
-    return Register(p, slot);
+    slot.m_pObject = p;
+    return Register(slot);
   }
 
   // As Insert, for a collection that goes when its holder goes.
@@ -92,7 +109,8 @@ class TESSEL_DATA CPtrSessMap {
     if (const unsigned long known = CountAgain(held.m_pCollection)) return known;
     m_Holdings.Add(slot.m_pTree, slot.m_pHolder, m_LastSess + 1);
     dom::Mark(*held.m_pHolder, dom::kHasCollection);
-    return Register(held.m_pCollection, slot);
+    slot.m_pObject = held.m_pCollection;
+    return Register(slot);
   }
 
   // As GetPtrBySess, with the holder and with what the last reading left.
@@ -142,36 +160,52 @@ class TESSEL_DATA CPtrSessMap {
   // How many ids name an object at the moment.
   size_t LiveCount() {
     CHostLock lock(m_Mutex);
-    return m_PtrToSess.Size();
+    return m_Slots.Count();
   }
 
  protected:
-  using CSlot = typename CSlotOf<T>::Type;
+  using CSlot = typename CKept<T>::Slot;
+  using CIndex = typename CKept<T>::Index;
 
-  // The id of a known pointer with one more hand-out, 0 for an unknown one.
+  // The slot of an object's id; null for an object without one.
+  CSlot* SlotOf(T& object, unsigned long id) TESSEL_REQUIRES(m_Mutex) {
+    CSlot* pSlot = id != 0 ? m_Slots.Find(id) : nullptr;
+    return pSlot != nullptr && pSlot->m_pObject == &object ? pSlot : nullptr;
+  }
+
+  // The id of a known object with one more hand-out, 0 for an unknown one.
   unsigned long CountAgain(T* p) TESSEL_REQUIRES(m_Mutex) {
-    const unsigned long id = m_PtrToSess.Find(p);
-    if (id != 0) ++m_Slots.Find(id)->m_RefCount;
+    const unsigned long id = m_PtrToSess.Find(*p);
+    CSlot* pSlot = SlotOf(*p, id);
+    if (pSlot == nullptr) return 0;
+    ++pSlot->m_RefCount;
     return id;
   }
 
-  // `slot` holds what the registry keeps beside object and count.
-  unsigned long Register(T* p, CSlot& slot) TESSEL_REQUIRES(m_Mutex) {
-    const unsigned long id = m_LastSess + 1;
-    m_Slots.Reserve(id);
-    m_PtrToSess.Insert(p, id);
+  // `slot` holds all but the count.
+  unsigned long Register(CSlot& slot) TESSEL_REQUIRES(m_Mutex) {
+    const unsigned long id = NextId();
+    m_PtrToSess.Insert(slot, id);
+    Issue(id, slot);
+    return id;
+  }
+
+  // The id that is issued next. May throw; issuing it does not.
+  unsigned long NextId() TESSEL_REQUIRES(m_Mutex) {
+    m_Slots.Reserve(m_LastSess + 1);
+    return m_LastSess + 1;
+  }
+  void Issue(unsigned long id, CSlot& slot) noexcept TESSEL_REQUIRES(m_Mutex) {
     m_LastSess = id;
-    slot.m_pObject = p;
     slot.m_RefCount = 1;
     m_Slots.Occupy(id, slot);
-    return id;
   }
 
   void Erase(unsigned long id, const CSlot& slot) TESSEL_REQUIRES(m_Mutex) {
     if constexpr (requires { slot.m_pHolder; }) {
       if (slot.m_pHolder != nullptr) m_Holdings.Remove(slot.m_pTree, slot.m_pHolder, id);
     }
-    m_PtrToSess.Erase(slot.m_pObject);
+    m_PtrToSess.Erase(slot);
     m_Slots.Erase(id);
   }
 
@@ -184,7 +218,7 @@ class TESSEL_DATA CPtrSessMap {
     return false;
   }
 
-  CPointerIndex m_PtrToSess TESSEL_GUARDED_BY(m_Mutex);
+  CIndex m_PtrToSess TESSEL_GUARDED_BY(m_Mutex);
   CIdTable<CSlot> m_Slots TESSEL_GUARDED_BY(m_Mutex);
   CHostMutex m_Mutex;
 
@@ -201,10 +235,10 @@ class TESSEL_DATA CPtrSessMap {
     void operator()(const xercesc::DOMNode* pHolder, unsigned long id) const {
       const CSlot* pSlot = m_Slots.Find(id);
       if (pSlot == nullptr || pSlot->m_pHolder != pHolder) return;
-      m_Index.Erase(pSlot->m_pObject);
+      m_Index.Erase(*pSlot);
       m_Slots.Erase(id);
     }
-    CPointerIndex& m_Index;
+    CIndex& m_Index;
     CIdTable<CSlot>& m_Slots;
   };
   CWithdrawal Withdrawal() TESSEL_REQUIRES(m_Mutex) { return {m_PtrToSess, m_Slots}; }

@@ -1,5 +1,6 @@
 // What becomes of exceptions that no tree makes the DOM throw.
 #include "document/xercesdom.h"
+#include "dom/parts.h"
 #include "support/support.h"
 
 namespace {
@@ -7,11 +8,12 @@ namespace {
 using support::CText;
 using xercesc::DOMException;
 
-class CThrower : public CXercesDOM {
+class CThrower : public xercesc::DOMElementImpl {
  public:
+  explicit CThrower(xercesc::DOMDocument& document) : DOMElementImpl(&document, u"n") {}
   NodeType getNodeType() const override {
     Throw();
-    return CXercesDOM::getNodeType();
+    return DOMElementImpl::getNodeType();
   }
   const XMLCh* getNodeValue() const override {
     Throw();
@@ -30,9 +32,9 @@ class Frame : public support::CLedgerTest {};
 
 TEST_F(Frame, GettersDropTheCodeAndTheNodeTypeHasItsOwn) {
   support::CDoc doc("<r/>");
-  CThrower node;
   const TSXRefId id = doc.Root();
   xercesc::DOMNode* pRoot = g_NodeSessMap.GetPtrBySess(id);
+  CThrower node(*pRoot->getOwnerDocument());
   g_NodeSessMap.ResetPtr(&node, id);
   node.m_Throws = true;
   int32_t type = 77;

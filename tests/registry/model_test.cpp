@@ -111,10 +111,18 @@ TEST(NodeRegistryModel, RandomOperationsAgree) {
     // Recent ids, now and then one that is long gone or was never issued.
     const unsigned long id = model.Last() + 2 - std::min(model.Last() + 2, random() % 60ul);
     DOMNode* pNode = pick(nodes);
-    switch ("IIIIIDDDDRW"[random() % 11]) {
+    switch ("IIIIIDDDDRWM"[random() % 12]) {
       case 'I':
         ASSERT_EQ(registry.Insert(pNode), model.Insert(pNode));
         break;
+      case 'M': {
+        std::vector<DOMNode*> many(random() % 100 == 0 ? 600 : random() % 4);
+        for (DOMNode*& pOne : many) pOne = pick(nodes);
+        std::vector<uint64_t> ids(many.size());
+        registry.Insert(many, ids.data());
+        for (size_t i = 0; i < many.size(); ++i) ASSERT_EQ(ids[i], model.Insert(many[i]));
+        break;
+      }
       case 'D':
         ASSERT_EQ(registry.DeleteBySess(id), model.DeleteBySess(id));
         break;
