@@ -22,6 +22,14 @@ bool AreEqual(const XMLCh* pText, std::u16string_view other) {
 }
 
 // Attributes have no children here.
+// Fetches a sibling, and its first child where that lies as far from it as the node's own:
+// documents lie in memory as they were read.
+void FetchNext(const DOMNode& node, DOMNode::NodeType type, const DOMNode& next) {
+  dom::Fetch(next);
+  const DOMNode* pChild = dom::FirstChildAs(node, type);
+  if (pChild != nullptr) dom::Fetch(*pChild, dom::Distance(node, next));
+}
+
 DOMNode* FirstBelow(const DOMNode& node) {
   return IsAttribute(node) ? nullptr : dom::FirstChild(node);
 }
@@ -78,8 +86,10 @@ bool CPlainEvaluation::Walk(const CStep& step, DOMNode& from, CVisitor visit, CD
   const auto passOn = [&](DOMNode* pNode) {
     while (pNode != nullptr) {
       const DOMNode::NodeType type = pNode->getNodeType();
+      DOMNode* pNext = dom::NextSiblingAs(*pNode, type);
+      if (pNext != nullptr) FetchNext(*pNode, type, *pNext);
       if (Matches(step, *pNode, type) && !visit(*pNode)) return false;
-      pNode = dom::NextSiblingAs(*pNode, type);
+      pNode = pNext;
     }
     return true;
   };
@@ -127,17 +137,19 @@ bool CPlainEvaluation::WalkBelow(const CStep& step, DOMNode& from, CVisitor visi
   for (DOMNode* pNode = FirstBelow(from); pNode != nullptr;) {
     depth.m_Now = level + 1;
     depth.m_Least = std::min(depth.m_Least, depth.m_Now);
-    const DOMNode::NodeType type = pNode->getNodeType();
+    DOMNode::NodeType type = pNode->getNodeType();
     if (Matches(step, *pNode, type) && !visit(*pNode)) return false;
-    DOMNode* pNext = dom::FirstChildAs(*pNode, type);
-    if (pNext != nullptr) {
+    DOMNode* pChild = dom::FirstChildAs(*pNode, type);
+    DOMNode* pNext = dom::NextSiblingAs(*pNode, type);
+    if (pChild != nullptr) {
+      if (pNext != nullptr) FetchNext(*pNode, type, *pNext);
+      pNext = pChild;
       ++level;
-    } else {
-      pNext = dom::NextSiblingAs(*pNode, type);
     }
     for (; pNext == nullptr && level > 0; --level) {
-      pNode = dom::Parent(*pNode);
-      pNext = dom::NextSibling(*pNode);
+      pNode = dom::NodePart(*pNode, type).fOwnerNode;
+      type = pNode->getNodeType();
+      pNext = dom::NextSiblingAs(*pNode, type);
     }
     pNode = pNext;
   }
