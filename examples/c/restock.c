@@ -1,5 +1,6 @@
 /* Orders what runs low: loads a stock list, finds the items by XPath, writes a new
- * count into each, and saves the list. Runs on the stand-in host.
+ * count into each, tells its line in the file, and saves the list. Runs on the stand-in
+ * host.
  *   restock FILE OUTPUT */
 #include <stdio.h>
 #include <stdlib.h>
@@ -37,8 +38,10 @@ static HStr string_of(const char* text) {
 }
 
 static void load(TSXRefId document, const char* file) {
+  const uint8_t on = 1;
   HostPath path = StandinPathFromText(file);
   HStr errors = NULL;
+  require(TSXSetKeepPositions(document, 0, &on), "positions", NULL);
   HStr exception = NULL;
   const TSXStatus status = TSXLoadFile(document, path, &errors, &exception);
   require(status, file, errors != NULL ? errors : exception);
@@ -70,7 +73,11 @@ static void restock_item(TSXRefId item, HStr* amount) {
   TSXRefId name = first(item, "name");
   TSXRefId count = first(item, "count");
   HStr text = NULL;
+  int32_t line, column;
+  int64_t begin, end;
+  require(TSXGetSourcePosition(count, &line, &column, &begin, &end), "a place", NULL);
   require(TSXGetText(name, &text), "a name", NULL);
+  printf("%d: ", (int)line);
   print(stdout, text);
   require(TSXGetText(count, &text), "a count", NULL);
   printf(": ");

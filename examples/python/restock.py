@@ -9,10 +9,10 @@ import tessel
 
 
 def main(file, output):
-    with tessel.Document.load(file) as stock:
+    with tessel.Document.load(file, places=True) as stock:
         for item in stock.select("/stock/item[count < 10]"):
             count = item.first("count")
-            print(f"{item.first('name').text}: {count.text} -> 10")
+            print(f"{count.place.line}: {item.first('name').text}: {count.text} -> 10")
             count.text = "10"
         new = stock.root.add("item", id="d1")
         new.add("name", "Drill")

@@ -13,6 +13,7 @@ One document belongs to one thread at a time, the dropping of its nodes included
 The libraries are found as the system finds them, or in $TESSEL_LIBRARY_DIR.
 """
 
+import collections
 import contextlib
 import ctypes
 import os
@@ -33,6 +34,10 @@ class Error(Exception):
         self.name, meaning = STATUS.get(status, (f"status {status}", "the call failed"))
         self.details = details.splitlines()
         super().__init__("\n".join([f"{self.name}: {meaning}", *self.details]))
+
+
+# Where a node stood in the text that was loaded: from 1, and bytes from 0.
+Place = collections.namedtuple("Place", "line column begin end")
 
 
 # -- The libraries -------------------------------------------------------------
@@ -97,13 +102,16 @@ _save_file = _status("TSXSaveFile", _Id, ctypes.c_void_p, _S)
 _save_file_pretty = _status("TSXSaveFilePP", _Id, ctypes.c_void_p, _S)
 _get_xml = _status("TSXGetXML", _Id, _S)
 _set_flag = {name: _status(name, _Id, ctypes.c_uint64, ctypes.POINTER(ctypes.c_uint8))
-             for name in ("TSXSetDoNamespaces", "TSXSetDoSchema", "TSXSetLoadExternalDTD")}
+             for name in ("TSXSetDoNamespaces", "TSXSetDoSchema", "TSXSetLoadExternalDTD",
+                          "TSXSetKeepPositions")}
 _set_validation = _status("TSXSetValidateOnLoad", _Id, ctypes.c_uint64,
                           ctypes.POINTER(ctypes.c_int32))
 _select = _status("XPathEvaluateContextToNodeArray", _Id, _S, ctypes.POINTER(_Array), _S)
 _select_first = _status("XPathEvaluateContextToNode", _Id, _S, _I, _S)
 _get_root = _status("TSXGetDocumentElement", _Id, ctypes.c_uint64, _I)
 _get_parent = _status("TSXGetParentNode", _Id, ctypes.c_uint64, _I)
+_get_position = _status("TSXGetSourcePosition", _Id, *2 * [ctypes.POINTER(ctypes.c_int32)],
+                        *2 * [ctypes.POINTER(ctypes.c_int64)])
 _get_name = _status("TSXGetNodeName", _Id, ctypes.c_uint64, _S)
 _get_text = _status("TSXGetText", _Id, _S)
 _set_text = _status("TSXSetText", _Id, _S)
@@ -215,6 +223,15 @@ class Node(_Selecting):
             return _text(name)
 
     @property
+    def place(self):
+        """Where the node stood, if the document was loaded with `places`; None for
+        what was not in its text."""
+        numbers = ctypes.c_int32(), ctypes.c_int32(), ctypes.c_int64(), ctypes.c_int64()
+        _get_position(self._id, *numbers)
+        place = Place(*(number.value for number in numbers))
+        return place if place.line else None
+
+    @property
     def text(self):
         with _strings(None) as (text,):
             _get_text(self._id, text)
@@ -290,17 +307,19 @@ class Document(_Selecting):
         self._set("TSXSetDoNamespaces", True)
 
     @classmethod
-    def load(cls, path, validate=False, external=True):
+    def load(cls, path, validate=False, external=True, places=False):
         """The document of a file. `validate` holds it against the schema or DTD
         that it names; Error.details has a line for each fault. Without `external`
         the external DTD is not read, unless to validate; entities that the text
-        declares itself are read in any case."""
-        return cls._read(lambda document: document._load_file(path), validate, external)
+        declares itself are read in any case. With `places` each node knows its own."""
+        return cls._read(lambda document: document._load_file(path), validate, external,
+                         places)
 
     @classmethod
-    def parse(cls, text, validate=False, external=True):
+    def parse(cls, text, validate=False, external=True, places=False):
         """The document of XML text, or of bytes in the encoding they declare."""
-        return cls._read(lambda document: document._load_text(text), validate, external)
+        return cls._read(lambda document: document._load_text(text), validate, external,
+                         places)
 
     @property
     def root(self):
@@ -326,11 +345,12 @@ class Document(_Selecting):
         self.close()
 
     @classmethod
-    def _read(cls, load, validate, external):
+    def _read(cls, load, validate, external, places):
         document = cls()
         try:
             document._set("TSXSetDoSchema", validate)
             document._set("TSXSetLoadExternalDTD", external)
+            document._set("TSXSetKeepPositions", places)
             _set_validation(document._id, 0, ctypes.c_int32(1 if validate else 0))
             load(document)
         except BaseException:

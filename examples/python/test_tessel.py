@@ -28,7 +28,7 @@ class RestockTest(unittest.TestCase):
         return printed.getvalue()
 
     def test_restocks_adds_and_validates(self):
-        self.assertEqual(self.run_example(), "Nägel: 3 -> 10\nSaw: 7 -> 10\nvalid\n")
+        self.assertEqual(self.run_example(), "4: Nägel: 3 -> 10\n5: Saw: 7 -> 10\nvalid\n")
         with tessel.Document.load(self.folder / "out.xml") as stock:
             self.assertEqual([c.text for c in stock.select("//count")], ["12", "10", "10", "4"])
         self.assertEqual(tessel.left_open(), 0)
@@ -49,6 +49,15 @@ class NodeTest(unittest.TestCase):
         self.document = tessel.Document.parse("<a x='1'><b>ü</b><b/><c><d/></c></a>")
         self.addCleanup(lambda: self.assertEqual(tessel.left_open(), 0))
         self.addCleanup(self.document.close)
+
+    def test_places(self):
+        text = "<a>\n<b/><c é='1'/></a>".encode()
+        with tessel.Document.parse(text, places=True) as document:
+            place = document.first("//@*").place
+            self.assertEqual(place[:2], (2, 8))
+            self.assertEqual(text[place.begin:place.end].decode(), "é='1'")
+            self.assertIsNone(document.root.add("d").place)
+        self.assertIsNone(self.document.root.place)
 
     def test_attributes(self):
         root = self.document.root

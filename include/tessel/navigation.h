@@ -98,6 +98,33 @@ TSX_API TSXStatus TSXIsSupported(TSXRefId node, HStr* feature, HStr* version, ui
  * domErrRefGetNodeType. */
 TSX_API TSXStatus TSXGetNodeType(TSXRefId node, uint64_t ignored, int32_t* typeOut);
 
+/* -- Places --------------------------------------------------------------- */
+
+/* Tells where a node stood in the file or string that its document was loaded
+ * from, if TSXSetKeepPositions was on at that load. *line and *column are those
+ * of its first character, from 1; a column counts UTF-16 code units, and what is
+ * beyond 2,147,483,647 is told as that. A line ends
+ * with CR, LF or both, in XML 1.1 also with NEL, CR and NEL, or the line
+ * separator. The node is the bytes from *begin on and before *end, counted from
+ * 0 in the encoding of the text, with the byte order mark.
+ *
+ * An element goes from its start tag to its end tag; an attribute has its name
+ * and its quotes, the text below it is what stands between these. Text is as it
+ * stood, with its references. CDATA sections, comments, processing
+ * instructions, entity references and document types have their delimiters. A
+ * document is the whole text without the byte order mark.
+ *
+ * What was not in that text has 0, 0, -1, -1, and the result is 0 all the same:
+ * nodes that were made, split off, cloned or imported; what an entity or a
+ * default supplied; entities and notations; all nodes of TSXElementSetXML; and,
+ * after a load that a fatal error ended, whatever the parser saw no end of. An
+ * edited or moved node keeps where it stood, until the document is loaded again.
+ *
+ * Costs a search among the document's positions. A failure leaves 0, 0, -1, -1,
+ * too: domErrRefGetSourcePosition. */
+TSX_API TSXStatus TSXGetSourcePosition(TSXRefId node, int32_t* line, int32_t* column,
+                                       int64_t* begin, int64_t* end);
+
 /* -- Whole subtrees ------------------------------------------------------- */
 
 /* Clones any node, with its descendants where *deep is true and always with its

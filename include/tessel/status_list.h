@@ -79,7 +79,8 @@
   X(-2626, domErrRefDocument, \
     "TSXLoadString, TSXLoadBytes, TSXElementSetXML, TSXGetEncoding, TSXSetEncoding, " \
     "TSXSetWriteDeclaration, TSXGetWriteDeclaration, TSXSetExternalAccess, " \
-    "TSXGetExternalAccess, TSXSetEntityTextLimit, TSXGetEntityTextLimit, XPathBindPrefix", \
+    "TSXGetExternalAccess, TSXSetEntityTextLimit, TSXGetEntityTextLimit, " \
+    "TSXSetKeepPositions, TSXGetKeepPositions, XPathBindPrefix", \
     "the id names no document, or for TSXElementSetXML no element with a parent in a document", \
     "pass the id of an open document, or of an attached element") \
   X(-2628, domErrParse, "TSXLoadFile, TSXLoadString, TSXLoadBytes, TSXElementSetXML", \
@@ -386,7 +387,9 @@
     "XPathEvaluateContextToString, XPathEvaluateContextToNumber, " \
     "XPathEvaluateContextToBoolean, XPathGetExpressionType", \
     "the expression's value is not a set of nodes, or it is a variable", \
-    "ask for its string, number or truth value; no variable is ever bound")
+    "ask for its string, number or truth value; no variable is ever bound") \
+  X(-2780, domErrRefGetSourcePosition, "TSXGetSourcePosition", "the id names no node", \
+    "pass the id of a node that is still open")
 /* clang-format on */
 
 #endif

@@ -10,6 +10,15 @@
 using xercesc::DOMAttr;
 using xercesc::DOMNode;
 
+namespace {
+
+CPosition PositionOf(const DOMNode& node) {
+  const CXercesDOM* pDom = g_NodeDomMap.GetDomByNode(dom::TreeOf(node));
+  return pDom != nullptr ? pDom->m_Positions.Of(node) : CPosition();
+}
+
+}  // namespace
+
 TSXStatus TSXGetParentNode(TSXRefId node, uint64_t, TSXRefId* parentOut) {
   return Get<DOMNode, Unguarded>(node, domErrRefGetParentNode, CNodeOut(parentOut), dom::Parent);
 }
@@ -88,6 +97,12 @@ TSXStatus TSXGetNodeType(TSXRefId node, uint64_t, int32_t* typeOut) {
   return Get<DOMNode, Always<domErrRefGetNodeType>>(
       node, domErrRefGetNodeType, CCountOut(typeOut),
       [](auto& n) { return static_cast<int16_t>(n.getNodeType()); });
+}
+
+TSXStatus TSXGetSourcePosition(TSXRefId node, int32_t* line, int32_t* column, int64_t* begin,
+                               int64_t* end) {
+  return Get<DOMNode, Unguarded>(node, domErrRefGetSourcePosition,
+                                 CPositionOut(line, column, begin, end), PositionOf);
 }
 
 TSXStatus TSXNormalize(TSXRefId node) {

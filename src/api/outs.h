@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string>
 
+#include "document/positions.h"
 #include "host/text.h"
 #include "registry/globals.h"
 
@@ -60,6 +61,29 @@ class CValueOut {
 };
 using CFlagOut = CValueOut<uint8_t>;
 using CCountOut = CValueOut<int32_t>;
+
+// Where a node stood: nowhere from before the look-up on.
+class CPositionOut {
+ public:
+  CPositionOut(int32_t* pLine, int32_t* pColumn, int64_t* pBegin, int64_t* pEnd)
+      : m_pLine(pLine), m_pColumn(pColumn), m_pBegin(pBegin), m_pEnd(pEnd) {
+    static_cast<void>(Store(CPosition()));
+  }
+  TSXStatus Fail(TSXStatus status) { return status; }
+  TSXStatus Store(const CPosition& position) {
+    *m_pLine = position.m_Line;
+    *m_pColumn = position.m_Column;
+    *m_pBegin = position.m_Begin;
+    *m_pEnd = position.m_End;
+    return 0;
+  }
+
+ private:
+  int32_t* m_pLine;
+  int32_t* m_pColumn;
+  int64_t* m_pBegin;
+  int64_t* m_pEnd;
+};
 
 // A string, replaced on success and cleared on failure.
 class CStringOut {

@@ -4,8 +4,11 @@
 #include <xercesc/validators/DTD/DTDElementDecl.hpp>
 
 #include "document/contentmodel.h"
+#include "document/positionfinder.h"
 #include "document/scannertables.h"
+#include "dom/look.h"
 #include "dom/pieces.h"
+#include "host/guards.h"
 
 CTreeParser::CTreeParser()
     : CBuilder(nullptr, &dom::NodeMemory()),
@@ -21,6 +24,7 @@ void CTreeParser::Parse(const Source& source) {
   m_Stop.Begin();
   m_Prefixes.Begin();
   m_Names.Begin();
+  m_Encoding.clear();
   m_Level = 0;
   m_Listed.clear();
   m_IsListed.clear();
@@ -31,13 +35,13 @@ void CTreeParser::Parse(const Source& source) {
 
 void CTreeParser::ParseLimited(const xercesc::InputSource& text) {
   Policy().SetDocument("");
-  Parse(*m_Subset.Watch(text));
+  Parse(*m_Capture.Watch(text));
 }
 
 // That there is no current folder is for the parser to say.
 void CTreeParser::ParseLimited(const char* pName) {
   const auto pSource = m_Resolver.Document(pName);
-  if (pSource != nullptr) return Parse(*m_Subset.Watch(*pSource));
+  if (pSource != nullptr) return Parse(*m_Capture.Watch(*pSource));
   Parse(pName);
 }
 
@@ -72,8 +76,8 @@ void CTreeParser::NeedRoom(XMLSize_t names) {
 void CTreeParser::endIntSubset() {
   const xercesc::XMLScanner& scanner = *getScanner();
   const std::u16string text =
-      m_Subset.Read(*scanner.getReaderMgr()->getCurrentReader(), scanner.getXMLVersion());
-  m_Subset.Stop();
+      m_Capture.Subset(*scanner.getReaderMgr()->getCurrentReader(), scanner.getXMLVersion());
+  m_Capture.PassSubset();
   fInternalSubset.set(text.c_str(), text.size());
   CBuilder::endIntSubset();
   MakeDefaults();
@@ -125,7 +129,7 @@ void CTreeParser::startElement(const xercesc::XMLElementDecl& declaration, unsig
     m_Prefixes.Enter(*getScanner(), pPrefix, attributes, attributeCount);
   }
   if (m_Level != 0) GoDeeper();
-  if (isRoot) m_Subset.Stop();
+  if (isRoot) m_Capture.PassSubset();
   CBuilder::startElement(declaration, uri, pPrefix, attributes, attributeCount, isEmpty, isRoot);
 }
 
@@ -158,4 +162,44 @@ void CTreeParser::GoDeeper() {
   if (++m_Level > kMostInEntity) {
     m_Stop.Stop(u"the content of an entity is nested more than 250 levels deep");
   }
+}
+
+// -- Positions -------------------------------------------------------------------
+
+CTreeParser::CLoading::~CLoading() {
+  m_Parser.m_Capture.KeepAll(false);
+  static_cast<void>(m_Parser.m_Capture.TakeAll());
+}
+
+// The declaration may leave out the order of bytes, which the reader knows.
+void CTreeParser::XMLDecl(const XMLCh* pVersion, const XMLCh* pEncoding, const XMLCh* pStandalone,
+                          const XMLCh* pActualEncoding) {
+  m_Encoding = getScanner()->getReaderMgr()->getCurrentEncodingStr();
+  CBuilder::XMLDecl(pVersion, pEncoding, pStandalone, pActualEncoding);
+}
+
+// What the parser saw no end of, without what is inside an entity: the innermost element or
+// the reference to the entity in which it stopped; the document where it came through.
+const xercesc::DOMNode* CTreeParser::Unfinished() const {
+  const xercesc::DOMNode* pOutside = fCurrentParent;
+  for (const auto* pUp = pOutside; pUp != nullptr; pUp = dom::Parent(*pUp)) {
+    if (pUp->getNodeType() == xercesc::DOMNode::ENTITY_REFERENCE_NODE) pOutside = pUp;
+  }
+  return pOutside;
+}
+
+// Whatever goes wrong, the load has succeeded, and positions that were found are right.
+CPositions CTreeParser::CLoading::FindPositions(xercesc::DOMDocument& document) const {
+  CPositions positions;
+  if (!m_Parser.m_KeepsPositions) return positions;
+  static_cast<void>(Always<domErrUnexpected>::Run([&] {
+    const std::string source = m_Parser.m_Capture.TakeAll();
+    const bool isVersion11 = xercesc::XMLString::equals(document.getXmlVersion(), u"1.1");
+    const XMLCh* pEncoding =
+        m_Parser.m_Encoding.empty() ? document.getInputEncoding() : m_Parser.m_Encoding.c_str();
+    CSourceText text(source, pEncoding, isVersion11);
+    CPositionFinder(document, m_Parser.Unfinished(), text, positions).Find();
+  }));
+  positions.Seal();
+  return positions;
 }

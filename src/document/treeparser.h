@@ -8,8 +8,9 @@
 #include "document/expansionlimits.h"
 #include "document/externalresolver.h"
 #include "document/loadstop.h"
+#include "document/positions.h"
 #include "document/prefixscope.h"
-#include "document/subsetcapture.h"
+#include "document/sourcecapture.h"
 #include "dom/builder.h"
 #include "dom/hashroom.h"
 
@@ -35,6 +36,29 @@ class CTreeParser final : public dom::CBuilder {
   CAccessPolicy& Policy() { return m_Resolver.Policy(); }
   CExpansionLimits& Limits() { return m_Limits; }
 
+  // Whether a load notes where its nodes stand. Other parses never do.
+  void SetKeepPositions(bool keeps) { m_KeepsPositions = keeps; }
+  bool GetKeepPositions() const { return m_KeepsPositions; }
+
+  // A parse within its life is a load.
+  class CLoading {
+   public:
+    explicit CLoading(CTreeParser& parser) : m_Parser(parser) {
+      parser.m_Capture.KeepAll(parser.m_KeepsPositions);
+    }
+    ~CLoading();
+    CLoading(const CLoading&) = delete;
+    CLoading& operator=(const CLoading&) = delete;
+
+    // Of the nodes of the document that was just parsed, if they are to be kept.
+    CPositions FindPositions(xercesc::DOMDocument& document) const;
+
+   private:
+    CTreeParser& m_Parser;
+  };
+
+  void XMLDecl(const XMLCh* pVersion, const XMLCh* pEncoding, const XMLCh* pStandalone,
+               const XMLCh* pActualEncoding) override;
   void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
                     const XMLCh* pPrefix, const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
                     XMLSize_t attributeCount, bool isEmpty, bool isRoot) override;
@@ -61,14 +85,17 @@ class CTreeParser final : public dom::CBuilder {
   void NeedRoom(XMLSize_t names);
   void MakeDefaults();
   void GoDeeper();
+  const xercesc::DOMNode* Unfinished() const;
 
   CLoadStop m_Stop;
   CExpansionLimits m_Limits;
   CExternalResolver m_Resolver;
   CPrefixScope m_Prefixes;
   dom::CNameRoom m_Names;
-  CSubsetCapture m_Subset;
-  std::size_t m_Level = 0;  // inside the outermost reference, 0 for outside
+  CSourceCapture m_Capture;
+  bool m_KeepsPositions = false;
+  std::u16string m_Encoding;  // what the declaration led to; empty for no declaration
+  std::size_t m_Level = 0;    // inside the outermost reference, 0 for outside
   // Elements whose defaults wait for the end of the subset.
   std::vector<const xercesc::DTDElementDecl*> m_Listed;
   std::unordered_set<const xercesc::DTDElementDecl*> m_IsListed;

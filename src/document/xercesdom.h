@@ -70,6 +70,7 @@ class CXercesDOM : public xercesc::DOMNode {
   DOMTreeErrorReporter* m_pErrorReporter = nullptr;
   CPrefixBindings m_PrefixBindings;
   bool m_WritesDeclaration = true;
+  CPositions m_Positions;  // of the nodes of m_pDoc
 
  private:
   // Ends a parse that expands more than 50,000 entities in its content, the XML

@@ -46,10 +46,24 @@ DOMNode* CopyTree(DOMNode& source, bool deep, CopyOne copyOne) {
   return root.release();
 }
 
+// The copy of an element has copies of its attributes, and these have copies of their texts.
+void UnmarkCopy(DOMNode& copy) {
+  Unmark(copy);
+  if (copy.getNodeType() == DOMNode::ATTRIBUTE_NODE) {
+    for (DOMNode* pText = FirstChild(copy); pText != nullptr; pText = NextSibling(*pText)) {
+      Unmark(*pText);
+    }
+  } else if (copy.getNodeType() == DOMNode::ELEMENT_NODE) {
+    xercesc::DOMNodeVector* pItems = AttributesOf(As<xercesc::DOMElementImpl>(copy));
+    const XMLSize_t count = pItems != nullptr ? pItems->size() : 0;
+    for (XMLSize_t i = 0; i < count; ++i) UnmarkCopy(*pItems->elementAt(i));
+  }
+}
+
 // The DOM's copy takes over the flags of its original, even that of a first child.
 DOMNode* CloneOne(const DOMNode& node, bool deep) {
   DOMNode* pClone = node.cloneNode(deep);
-  Unmark(*pClone);
+  UnmarkCopy(*pClone);
   NodePart(*pClone).isFirstChild(false);
   return pClone;
 }

@@ -236,13 +236,20 @@ inline constexpr unsigned short kHasCollection = 1u << 14;  // lists or maps wit
 inline constexpr unsigned short kHasEntry = 1u << 15;       // an entry of an owner
 inline constexpr unsigned short kMarks = kHasId | kHasCollection | kHasEntry;
 
+// Says that the document may know where the node stood in its source. It is a flag of trees
+// that are made piece by piece, which the XML library never makes. Freeing needs not know it.
+inline constexpr unsigned short kHasPosition = 1u << 1;
+
 inline void Mark(const DOMNode& node, unsigned short mark) {
   unsigned short& flags = NodePart(node).flags;
   flags = static_cast<unsigned short>(flags | mark);
 }
 inline void Unmark(const DOMNode& node) {
   unsigned short& flags = NodePart(node).flags;
-  flags = static_cast<unsigned short>(flags & ~kMarks);
+  flags = static_cast<unsigned short>(flags & ~(kMarks | kHasPosition));
+}
+inline bool IsMarked(const DOMNode& node, unsigned short mark) {
+  return (NodePart(node).flags & mark) != 0;
 }
 inline unsigned short MarksOf(const DOMNode& node) {
   return static_cast<unsigned short>(NodePart(node).flags & kMarks);

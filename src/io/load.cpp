@@ -1,6 +1,8 @@
 #include <tessel/io.h>
 #include <tessel/status.h>
 
+#include <utility>
+
 #include "document/find.h"
 #include "dom/release.h"
 #include "io/nativepath.h"
@@ -19,10 +21,10 @@ constexpr CParseTexts kStringTexts{"SAXParseException caught while loading XML s
 
 // The new tree is known by its document node before the old one goes, so that no
 // moment is without a document.
-void ReplaceTree(CXercesDOM& dom, CDOMOwner<DOMDocument> parsed) {
-  if (parsed == nullptr) return;
+void ReplaceTree(CXercesDOM& dom, CDOMOwner<DOMDocument> parsed, CPositions positions) {
   g_NodeDomMap.Insert(parsed.get(), &dom);
   DOMDocument* pOld = dom.m_pDoc;
+  dom.m_Positions = std::move(positions);
   dom.m_pDoc = parsed.release();
   dom::ReleaseTree(*pOld);
 }
@@ -31,7 +33,12 @@ template <class Parse>
 TSXStatus Load(CXercesDOM& dom, const CParseTexts& texts, HStr* pParseErrors, HStr* pExceptionText,
                Parse parse) {
   return RunParse(texts, pExceptionText, [&] {
-    ReplaceTree(dom, parse());
+    const CTreeParser::CLoading loading(*dom.m_pParser);
+    CDOMOwner<DOMDocument> parsed = parse();
+    if (parsed != nullptr) {
+      CPositions positions = loading.FindPositions(*parsed);
+      ReplaceTree(dom, std::move(parsed), std::move(positions));
+    }
     return ReportParse(dom, pParseErrors);
   });
 }

@@ -116,3 +116,12 @@ TSXStatus TSXGetEntityTextLimit(TSXRefId document, uint64_t, int64_t* value) {
   return WithParser(document, domErrRefDocument,
                     [&](auto& parser) { *value = parser.Limits().TextLimit(); });
 }
+
+TSXStatus TSXSetKeepPositions(TSXRefId document, uint64_t, const uint8_t* value) {
+  return WithParser(document, domErrRefDocument,
+                    [&](auto& parser) { parser.SetKeepPositions(*value != 0); });
+}
+TSXStatus TSXGetKeepPositions(TSXRefId document, uint64_t, uint8_t* value) {
+  return WithParser(document, domErrRefDocument,
+                    [&](auto& parser) { *value = parser.GetKeepPositions() ? 1 : 0; });
+}

@@ -1,4 +1,4 @@
-#include "document/subsetcapture.h"
+#include "document/sourcecapture.h"
 
 #include <utility>
 #include <xercesc/util/BinMemInputStream.hpp>
@@ -10,9 +10,9 @@ using xercesc::InputSource;
 using xercesc::XMLReader;
 
 // Hands bytes on and keeps a copy.
-class CSubsetCapture::CStream final : public BinInputStream {
+class CSourceCapture::CStream final : public BinInputStream {
  public:
-  CStream(CSubsetCapture& capture, BinInputStream* pInner) : m_Capture(capture), m_pInner(pInner) {}
+  CStream(CSourceCapture& capture, BinInputStream* pInner) : m_Capture(capture), m_pInner(pInner) {}
 
   XMLFilePos curPos() const override { return m_pInner->curPos(); }
   XMLSize_t readBytes(XMLByte* pTo, XMLSize_t most) override {
@@ -24,37 +24,42 @@ class CSubsetCapture::CStream final : public BinInputStream {
   const XMLCh* getEncoding() const override { return m_pInner->getEncoding(); }
 
  private:
-  CSubsetCapture& m_Capture;
+  CSourceCapture& m_Capture;
   std::unique_ptr<BinInputStream> m_pInner;
 };
 
-class CSubsetCapture::CSource final : public InputSource {
+class CSourceCapture::CSource final : public InputSource {
  public:
-  CSource(CSubsetCapture& capture, const InputSource& inner)
+  CSource(CSourceCapture& capture, const InputSource& inner)
       : InputSource(inner.getSystemId(), inner.getPublicId()), m_Capture(capture), m_Inner(inner) {
     if (inner.getEncoding() != nullptr) setEncoding(inner.getEncoding());
     setIssueFatalErrorIfNotFound(inner.getIssueFatalErrorIfNotFound());
     m_Capture.m_IsKeeping = true;
   }
-  ~CSource() override { m_Capture.Stop(); }
+  ~CSource() override {
+    m_Capture.PassSubset();
+    m_Capture.m_IsKeeping = false;
+  }
 
   BinInputStream* makeStream() const override {
     BinInputStream* pStream = m_Inner.makeStream();
     if (pStream == nullptr) return nullptr;
+    m_Capture.m_Bytes.clear();
     m_Capture.m_IsForced = getEncoding() != nullptr || pStream->getEncoding() != nullptr;
     return new CStream(m_Capture, pStream);
   }
 
  private:
-  CSubsetCapture& m_Capture;
+  CSourceCapture& m_Capture;
   const InputSource& m_Inner;
 };
 
-std::unique_ptr<InputSource> CSubsetCapture::Watch(const InputSource& source) {
+std::unique_ptr<InputSource> CSourceCapture::Watch(const InputSource& source) {
   return std::make_unique<CSource>(*this, source);
 }
 
-void CSubsetCapture::Stop() {
+void CSourceCapture::PassSubset() {
+  if (m_KeepsAll) return;
   m_IsKeeping = false;
   m_Bytes = {};
 }
@@ -79,7 +84,7 @@ std::unique_ptr<XMLReader> NewReader(const std::string& bytes, const XMLReader& 
 
 }  // namespace
 
-std::u16string CSubsetCapture::Read(const XMLReader& like, XMLReader::XMLVersion version) const {
+std::u16string CSourceCapture::Subset(const XMLReader& like, XMLReader::XMLVersion version) const {
   std::u16string subset;
   if (!m_IsKeeping) return subset;
   const auto reader = NewReader(m_Bytes, like, m_IsForced, version);
