@@ -66,6 +66,21 @@ UNTIDY = """<?xml version='1.0'   encoding='ENCODING'?>\r
 
 """
 
+# What a writer may get wrong, as it must come back.
+WRITTEN = [
+    """<!DOCTYPE r [<!ENTITY q '"x"'>]><r>&q;</r>""",
+    '<!DOCTYPE r [<!ENTITY l "&#38;#60;">]><r>&l;</r>',
+    '<!DOCTYPE r [<!ENTITY % p "x"><!ENTITY p "y">]><r>&p;</r>',
+    """<!DOCTYPE r [<!ENTITY % p "<!ENTITY q 'h'>">%p;]><r>&q;</r>""",
+    '<!DOCTYPE r [<!NOTATION x SYSTEM "v"><!ATTLIST r n NOTATION (x) #IMPLIED>]><r n="x"/>',
+    """<!DOCTYPE r [<!NOTATION n PUBLIC "-//n"><!ATTLIST r f CDATA #FIXED 'a"b' d CDATA "'">]><r/>""",
+    "<!DOCTYPE r [<!--a-->\n <?p  q?>\t]><r/>",
+    '<r xmlns="urn:a" xmlns:b="urn:b"><b:c xmlns=""><d b:e="1" xmlns:b="urn:c"/></b:c></r>',
+    "<r><![CDATA[]]]]><![CDATA[>]]>]]&gt;</r>",
+    '<r a="&#xA;&#x9;&quot;">&#xD;\t</r>',
+    '<?xml version="1.1"?><r>&#x1;<\U00020000/></r>',
+]
+
 HEAD = '<?xml version="1.0" encoding="UTF-8" standalone="no" ?>'
 
 KINDS = """<!DOCTYPE k PUBLIC "-//T//K" "k.dtd" [
@@ -142,6 +157,7 @@ FILES = {
     "text.xml": "<t a='é'>1</t>",
     "spaces.xml": '<r>\n <a/>   <b> x <c/></b><d xml:space="preserve"> <e/></d>'
                   '<f><!-- > --><?g h?><i><![CDATA[ ]]></i></f></r>',
+    "mixed.xml": '<r><p>See <a>the manual</a>, <b>bold</b>!</p><d xml:space="preserve"><e/></d></r>',
     "names.xml": '<p:a xmlns:p="urn:p"><p:b>1</p:b></p:a>',
     "edit.xml": '<r xmlns="urn:d" xmlns:p="urn:p" k="1"><p:a p:i="2">x</p:a><!--c--><?t d?></r>',
 }
@@ -215,6 +231,12 @@ CASES = [
     Case("format cat.xml", 0, HEAD + CATALOGUE.split("?>\n", 1)[1].replace("\n", "", 1)),
     Case("format --pretty nested.xml", 0,
          HEAD + "\n<r>\n  <a>1<a>2</a></a>\n  <b/>\n</r>\n"),
+    Case("format --pretty mixed.xml", 0, HEAD + """
+<r>
+  <p>See <a>the manual</a>, <b>bold</b>!</p>
+  <d xml:space="preserve"><e/></d>
+</r>
+"""),
     Case("format --encoding ISO-8859-1 latin1.xml", 0,
          (HEAD.replace("UTF-8", "ISO-8859-1")
           + FILES["latin1.xml"].decode("latin-1").split("?>\n", 1)[1].replace("\n", "", 1))
@@ -652,6 +674,26 @@ class ClientTest(unittest.TestCase):
                     result = self.run_client(["set", "untidy.xml", expression, value])
                     self.assertEqual((0, b""), (result.returncode, result.stderr))
                     self.assertEqual(text.replace(before, after).encode(encoding), result.stdout)
+
+    def test_what_is_written_can_be_read_again(self):
+        def run(args, text):
+            with open(self.path("in.xml"), "wb") as file:
+                file.write(text)
+            result = self.run_client([*args.split(), "in.xml"])
+            self.assertEqual((0, b""), (result.returncode, result.stderr))
+            return result.stdout
+
+        for text in WRITTEN:
+            with self.subTest(text):
+                written = run("format", text.encode())
+                self.assertEqual(re.sub(r"^<\?.*?\?>", "", text),
+                                 re.sub(r"^<\?.*?\?>", "", written.decode()))
+                self.assertEqual(run("tree", text.encode()), run("tree", written))
+                pretty = run("format --pretty", text.encode())
+                self.assertEqual(pretty, run("format --pretty", pretty))
+                edited_text = re.sub(r"<r([^>]*?)(/?)>", r'<r\1 z="v"\2>', text)
+                self.assertEqual(edited_text.encode(), run(
+                    "edit --set-attribute /* z v", text.encode()))
 
     def test_characters_that_the_encoding_lacks(self):
         with open(self.path("latin.xml"), "wb") as file:
