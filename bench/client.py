@@ -71,6 +71,9 @@ def main():
         for what, *commands in WORK:
             cells = [cell(command, folder) for command in commands]
             print(f"| {what} | " + " | ".join(cells) + " |", flush=True)
+    print("\nMost of the start is the dynamic loader's work: before any command runs it binds "
+          "the parser\nand XPath libraries, and what is below these (libcurl with its TLS, "
+          "ICU).")
 
 
 main()
