@@ -68,7 +68,7 @@ std::unique_ptr<InputSource> CExternalResolver::Resolve(const XMLResourceIdentif
 CWatch CExternalResolver::WatchOf(const XMLResourceIdentifier& resource, bool isDocumentType) {
   if (isDocumentType) {
     // Only the scanner's own locator is its reader manager; a run-time cast tells.
-    return {nullptr, dynamic_cast<const xercesc::ReaderMgr*>(resource.getLocator()), &m_Lost};
+    return {nullptr, dynamic_cast<const xercesc::ReaderMgr*>(resource.getLocator()), m_pLost};
   }
   if (resource.getResourceIdentifierType() != XMLResourceIdentifier::ExternalEntity) return {};
   m_Limits.CountExpansion();

@@ -30,7 +30,7 @@ class CExternalResolver {
   std::unique_ptr<xercesc::InputSource> Resolve(const xercesc::XMLResourceIdentifier& resource,
                                                 bool needsDocumentType);
 
-  CLostEntities& Lost() { return m_Lost; }
+  CLostEntities& Lost() { return *m_pLost; }
 
  private:
   CWatch WatchOf(const xercesc::XMLResourceIdentifier& resource, bool isDocumentType);
@@ -39,5 +39,5 @@ class CExternalResolver {
   CLoadStop& m_Stop;
   CExpansionLimits& m_Limits;
   CAccessPolicy m_Policy;
-  CLostEntities m_Lost;
+  std::shared_ptr<CLostEntities> m_pLost = std::make_shared<CLostEntities>();
 };

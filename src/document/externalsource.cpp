@@ -131,7 +131,11 @@ class CWatchedStream final : public BinInputStream {
       : m_pStream(std::move(pStream)),
         m_Watch(watch),
         m_pHead(std::make_unique_for_overwrite<XMLByte[]>(kHead)),
-        m_HeadSize(m_pStream->readBytes(m_pHead.get(), kHead)) {}
+        m_HeadSize(m_pStream->readBytes(m_pHead.get(), kHead)) {
+    if (m_Watch.m_pLost != nullptr) m_Watch.m_pLost->Expect();
+  }
+  // A reader that is left within its first bytes goes before its place is left.
+  ~CWatchedStream() override { TakeLost(); }
 
   XMLFilePos curPos() const override { return m_Position; }
   const XMLCh* getContentType() const override { return m_pStream->getContentType(); }
@@ -140,8 +144,7 @@ class CWatchedStream final : public BinInputStream {
   // What the reader asks for first counts when it asks again, and is in place.
   XMLSize_t readBytes(XMLByte* pBytes, XMLSize_t most) override {
     if (m_HasReader) {
-      if (m_Watch.m_pLost != nullptr) m_Watch.m_pLost->TakeFrom(*m_Watch.m_pReaders);
-      m_Watch.m_pLost = nullptr;
+      TakeLost();
       if (m_Watch.m_pLimits != nullptr) m_Watch.m_pLimits->CountText(std::exchange(m_Units, 0));
     }
     m_HasReader = true;
@@ -153,6 +156,11 @@ class CWatchedStream final : public BinInputStream {
 
  private:
   static constexpr XMLSize_t kHead = XMLSize_t{48} * 1024;  // as much as a reader asks for
+
+  void TakeLost() {
+    if (m_Watch.m_pLost != nullptr) m_Watch.m_pLost->TakeFrom(*m_Watch.m_pReaders);
+    m_Watch.m_pLost.reset();
+  }
 
   XMLSize_t Next(XMLByte* pBytes, XMLSize_t most) {
     if (m_pHead == nullptr) return m_pStream->readBytes(pBytes, most);
@@ -177,7 +185,7 @@ class CWatchedStream final : public BinInputStream {
 }  // namespace
 
 // Declared entities, which the grammar owns, have a base where they are external.
-void CLostEntities::TakeFrom(const xercesc::ReaderMgr& readers) {
+void CLostEntities::TakeFrom(const xercesc::ReaderMgr& readers) noexcept {
   const xercesc::XMLEntityDecl* pEntity = readers.getCurrentEntity();
   if (pEntity == nullptr || !pEntity->isExternal() || pEntity->getBaseURI() != nullptr) return;
   const auto isIt = [&](const auto& lost) { return lost.get() == pEntity; };

@@ -28,12 +28,18 @@ struct CPlaceOfName {
 // never frees.
 class CLostEntities {
  public:
+  // There may be one more to take, for which there is room then.
+  void Expect() { m_Lost.reserve(++m_Expected); }
   // Takes the one of the current reader, if that reads a document type.
-  void TakeFrom(const xercesc::ReaderMgr& readers);
+  void TakeFrom(const xercesc::ReaderMgr& readers) noexcept;
   // When no scanner is at work any more.
-  void Free() { m_Lost.clear(); }
+  void Free() {
+    m_Lost.clear();
+    m_Expected = 0;
+  }
 
  private:
+  std::size_t m_Expected = 0;
   std::vector<std::unique_ptr<const xercesc::XMLEntityDecl>> m_Lost;
 };
 
@@ -41,7 +47,8 @@ class CLostEntities {
 struct CWatch {
   CExpansionLimits* m_pLimits = nullptr;  // its text counts
   const xercesc::ReaderMgr* m_pReaders = nullptr;
-  CLostEntities* m_pLost = nullptr;  // it is of a document type, among those readers
+  // It is of a document type, among those readers; it may outlive whoever loads.
+  std::shared_ptr<CLostEntities> m_pLost;
 };
 
 // What is at a place, as far as the answer allows.
