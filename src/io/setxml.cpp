@@ -20,12 +20,17 @@ constexpr CParseTexts kTexts{"SAXParseException caught while seting element XML.
                              "Error occurred while seting element XML."};
 
 // Puts a copy of the parsed root in the element's place; the id moves with it.
-void ReplaceElement(TSXRefId id, DOMElement& element, DOMNode& parent, DOMElement& parsedRoot) {
-  dom::RemoveChild(*dom::OwnerDocument(parsedRoot), parsedRoot);
-  dom::CNodeOwner imported(dom::Import(*dom::OwnerDocument(element), parsedRoot, true));
-  dom::ReplaceChild(parent, *imported, element);
+TSXStatus ReplaceElement(TSXRefId id, DOMElement& element, DOMDocument& parsed) {
+  DOMNode* pParent = dom::Parent(element);
+  if (pParent == nullptr) return domErrRefDocument;
+  DOMElement* pRoot = parsed.getDocumentElement();
+  if (pRoot == nullptr) return 0;
+  dom::RemoveChild(parsed, *pRoot);
+  dom::CNodeOwner imported(dom::Import(*dom::OwnerDocument(element), *pRoot, true));
+  dom::ReplaceChild(*pParent, *imported, element);
   g_NodeSessMap.ResetPtr(imported.release(), id);
   dom::Release(element);
+  return 0;
 }
 
 }  // namespace
@@ -39,12 +44,7 @@ TSXStatus TSXElementSetXML(TSXRefId element, HStr* xmlText, HStr* parseErrors,
   return RunParse(kTexts, exceptionText, [&]() -> TSXStatus {
     const CStringSource source(xmlText, EBytes::kToNul, "SetXMLString");
     const CDOMOwner<DOMDocument> parsed = ParseAndTake(*pDom, source.Get());
-    DOMElement* pParsedRoot = parsed != nullptr ? parsed->getDocumentElement() : nullptr;
-    if (parsed != nullptr) {
-      DOMNode* pParent = dom::Parent(*pElement);
-      if (pParent == nullptr) return domErrRefDocument;
-      if (pParsedRoot != nullptr) ReplaceElement(element, *pElement, *pParent, *pParsedRoot);
-    }
-    return ReportParse(*pDom, parseErrors);
+    const TSXStatus status = parsed != nullptr ? ReplaceElement(element, *pElement, *parsed) : 0;
+    return status != 0 ? status : ReportParse(*pDom, parseErrors);
   });
 }

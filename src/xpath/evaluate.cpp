@@ -32,6 +32,14 @@ TSXStatus Evaluate(TSXRefId context, HStr* pExpression, HStr* pErrorText, Call c
   return status;
 }
 
+// The code for what may not be bound, 0 for a prefix that may.
+TSXStatus RefusalOfPrefix(std::u16string_view prefix) {
+  if (!xercesc::XMLChar1_0::isValidNCName(prefix.data(), prefix.size())) {
+    return domErrInvalidCharacter;
+  }
+  return prefix == u"xml" || prefix == u"xmlns" ? domErrNamespace : 0;
+}
+
 }  // namespace
 
 TSXStatus XPathEvaluateContextToNode(TSXRefId context, HStr* expression, TSXRefId* nodeOut,
@@ -95,17 +103,11 @@ TSXStatus XPathGetExpressionType(TSXRefId context, HStr* expression, int32_t* ty
 TSXStatus XPathBindPrefix(TSXRefId document, HStr* prefix, HStr* namespaceURI) {
   auto* pDom = FindObject<CXercesDOM>(document);
   if (pDom == nullptr) return domErrRefDocument;
-  TSXStatus status = 0;
-  const TSXStatus unexpected = Always<domErrUnexpected>::Run([&] {
-    const CWideText prefixText(prefix);
-    const std::u16string_view name = prefixText.Get();
-    if (!xercesc::XMLChar1_0::isValidNCName(name.data(), name.size())) {
-      status = domErrInvalidCharacter;
-    } else if (name == u"xml" || name == u"xmlns") {
-      status = domErrNamespace;
-    } else {
-      pDom->m_PrefixBindings.Bind(name, CWideText(namespaceURI).Get());
-    }
+  TSXStatus refused = 0;
+  const TSXStatus status = Always<domErrUnexpected>::Run([&] {
+    const CWideText name(prefix);
+    refused = RefusalOfPrefix(name.Get());
+    if (refused == 0) pDom->m_PrefixBindings.Bind(name.Get(), CWideText(namespaceURI).Get());
   });
-  return unexpected != 0 ? unexpected : status;
+  return status != 0 ? status : refused;
 }
