@@ -11,7 +11,8 @@
  * The functions without NS compare whole names, prefix included. Those with NS
  * compare namespace URI and local name; an empty URI means no namespace, and an
  * attribute that was made without namespaces counts with its whole name as
- * local name. A missing attribute is no failure: flag 0, id 0, empty string.
+ * local name, or to an empty local name. A missing attribute is no failure: flag 0,
+ * id 0, empty string.
  *
  * A result is 0 or a code of <tessel/status.h>; beside a failure ids and flags
  * are 0 and a string out is a null handle. The reference code, named first,

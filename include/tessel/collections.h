@@ -22,7 +22,7 @@
  * and only "*" finds them by namespace.
  *
  * A result is 0 or a code of <tessel/status.h>. A reference code answers to id
- * 0, to an id never issued or given back, and to one of another kind. Beside a
+ * 0, to an id never issued, given back or withdrawn, and to one of another kind. Beside a
  * failure an id, flag or count is 0 and an array is a null handle. An array
  * without members has a handle and count 0; a null handle with the result 0
  * means that the host refused the memory, and no id was handed out. DOM calls
@@ -143,8 +143,8 @@ TSX_API TSXStatus TSXGetNamedItemNS(TSXRefId map, HStr* namespaceURI, HStr* loca
 
 /* Enters a node and gives the one of the same name that it replaced, or 0. The
  * replaced one stays usable and is freed by TSXNodeClose. A node that is there
- * already gives its own id, and an attribute then counts as detached: do not
- * enter it again. A node that an attribute map cannot take is domErrUnexpected.
+ * already gives its own id. A node that an attribute map cannot take is
+ * domErrUnexpected.
  *   domErrRefSetNamedItem     the map's id
  *   domErrRefSetNamedItemArg  the node's id names no node; its kind is not looked at
  *   domErrWrongDocument       the node is another document's

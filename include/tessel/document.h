@@ -82,17 +82,19 @@ TSX_API TSXStatus TSXCreateDocument(TSXRefId implementation, HStr* namespaceURI,
  * all its nodes, attached or not, and takes the ids of all of them along,
  * however often they were handed out; the id of the bare document node and the
  * ids of the document's lists and maps go too. Costs what the document's own ids
- * cost, beside freeing the tree, and a look at the open lists and maps of all
- * documents. Ids that are unknown or 0 are ignored. The id of another node is given
- * back; with its last hand-out goes what belongs to no document object, the clone
- * of a document or a document type that no document has taken, and nothing else. */
+ * and its lists and maps cost, beside freeing the tree. Ids that are unknown or 0 are
+ * ignored. The id of another node is given back; with its last hand-out goes what
+ * belongs to no document object, the clone of a document or a document type that no
+ * document has taken, and nothing else. */
 TSX_API void TSXDocumentClose(TSXRefId document);
 
 /* Gives one hand-out of a node's id back. Unknown ids and 0 are ignored.
  *
- * A node that was created or detached and that no tree owns is freed with
- * everything below it, ids included, at EVERY close, also when other hand-outs
- * of its id are open: those then answer with each function's reference code.
+ * A node that was created and that no tree owns yet, and an attribute or item that
+ * another replaced or that was taken out of its map, is freed with everything below
+ * it, ids included, at EVERY close, also when other hand-outs of its id are open:
+ * those then answer with each function's reference code. A copy, and a child that was
+ * removed or replaced, is freed with its document.
  *
  * On the last hand-out of the bare document node's id (TSXGetParentNode of the
  * document element) every node id of that document is dropped; the tree and the

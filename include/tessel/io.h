@@ -35,8 +35,7 @@ extern "C" {
  * a directory, or cannot be reached is a fatal error with a line; a schema that is
  * missing shows only in the errors that follow from it.
  *
- * Elements may be nested to any depth; with namespaces on, the time grows with the
- * square of it. Beyond these limits a text gets a fatal error:
+ * Elements may be nested to any depth. Beyond these limits a text gets a fatal error:
  *   50,000 expansions of entities in one load, those in attributes, in default
  *   attributes and of parameter entities included
  *   250 levels, elements and references, from a reference to an entity down

@@ -83,24 +83,24 @@ TSXStatus TSXGetAttributeNodeNS(TSXRefId element, HStr* namespaceURI, HStr* loca
 // Contract: the element's code is the one of TSXSetAttribute. The attribute's kind has no
 // code of its own; another kind gets what the DOM answers.
 TSXStatus TSXSetAttributeNode(TSXRefId element, TSXRefId attribute, TSXRefId* replacedOut) {
-  return GetAll<CMapsSetItem>(CNodeOut(replacedOut),
-                              std::tuple{CRef<DOMElement>(element, domErrRefSetAttribute),
-                                         CRef<DOMNode>(attribute, domErrRefSetAttributeNodeArg)},
+  return GetAll<CMapsSetItem>(CDetachedNodeOut(replacedOut),
+                              std::tuple{CRef<DOMElement>{element, domErrRefSetAttribute},
+                                         CRef<DOMNode>{attribute, domErrRefSetAttributeNodeArg}},
                               kReplacing<dom::SetAttributeNode>);
 }
 
 TSXStatus TSXSetAttributeNodeNS(TSXRefId element, TSXRefId attribute, TSXRefId* replacedOut) {
-  return GetAll<CMapsSetItem>(CNodeOut(replacedOut),
-                              std::tuple{CRef<DOMElement>(element, domErrRefSetAttributeNodeNS),
-                                         CRef<DOMNode>(attribute, domErrRefSetAttributeNodeNSArg)},
+  return GetAll<CMapsSetItem>(CDetachedNodeOut(replacedOut),
+                              std::tuple{CRef<DOMElement>{element, domErrRefSetAttributeNodeNS},
+                                         CRef<DOMNode>{attribute, domErrRefSetAttributeNodeNSArg}},
                               kReplacing<dom::SetAttributeNodeNS>);
 }
 
 // Contract: the attribute is freed however many hand-outs of its id are open. They are
 // dead from here on.
 TSXStatus TSXRemoveAttributeNode(TSXRefId element, TSXRefId attribute) {
-  return DoAll<CMapsRemove>(std::tuple{CRef<DOMElement>(element, domErrRefRemoveAttributeNode),
-                                       CRef<DOMNode>(attribute, domErrRefRemoveAttributeNodeArg)},
+  return DoAll<CMapsRemove>(std::tuple{CRef<DOMElement>{element, domErrRefRemoveAttributeNode},
+                                       CRef<DOMNode>{attribute, domErrRefRemoveAttributeNodeArg}},
                             dom::RemoveAttributeNode);
 }
 

@@ -2,20 +2,26 @@
 // object, and closing their id frees them.
 #pragma once
 
+#include "api/outs.h"
 #include "dom/look.h"
-#include "registry/globals.h"
 
-inline void EnterDetached(xercesc::DOMNode* pNode) {
-  if (pNode == nullptr) return;
-  g_NodeDomMap.Insert(pNode, g_NodeDomMap.GetDomByNode(dom::OwnerDocument(*pNode)));
-}
+class CDetachedNodeOut : public CNodeOut {
+ public:
+  using CNodeOut::CNodeOut;
+  TSXStatus Store(xercesc::DOMNode* pNode) {
+    CNodeOut::Store(pNode);
+    if (pNode != nullptr) {
+      g_NodeDomMap.Insert(pNode, g_NodeDomMap.GetDomByNode(dom::OwnerDocument(*pNode)));
+    }
+    return 0;
+  }
+};
 
-// Hangs an attribute or an item where `set` puts it and gives what it replaced. They are
-// one where it hung there already, hence the order.
+// Hangs an attribute or an item where `set` puts it and hands out what it replaced. That is
+// the node itself where it hung there already, so its entry goes last.
 template <auto kSet>
-constexpr auto kReplacing = [](auto& holder, xercesc::DOMNode& node) {
+constexpr auto kReplacing = [](auto& out, auto& holder, xercesc::DOMNode& node) {
   xercesc::DOMNode* pReplaced = kSet(holder, node);
-  EnterDetached(pReplaced);
+  out.Store(pReplaced);
   g_NodeDomMap.DeleteByNode(&node);
-  return pReplaced;
 };

@@ -70,39 +70,42 @@ TSXStatus Do(TSXRefId id, TSXStatus badReference, Call domCall, Strings*... pStr
 
 // -- Several ids ------------------------------------------------------------------
 
-// An id that must name an object of a kind; the call gets the object.
-template <class Interface>
-class CRef {
- public:
-  CRef(TSXRefId id, TSXStatus badReference)
-      : m_pObject(FindObject<Interface>(id)), m_BadReference(badReference) {}
+// What a look-up found, and the code where that is nothing.
+template <class Object>
+struct CFound {
+  Object m_pObject;
+  TSXStatus m_BadReference;
   TSXStatus Missing() const { return m_pObject ? 0 : m_BadReference; }
   auto& Get() const { return *m_pObject; }
+};
 
- private:
-  decltype(FindObject<Interface>(0)) m_pObject;
+struct CMaybeFound {
+  xercesc::DOMNode* m_pNode;
+  static TSXStatus Missing() { return 0; }
+  xercesc::DOMNode* Get() const { return m_pNode; }
+};
+
+// An id that must name an object of a kind; the call gets the object.
+template <class Interface>
+struct CRef {
+  TSXRefId m_Id;
   TSXStatus m_BadReference;
+  auto Find() const { return CFound{FindObject<Interface>(m_Id), m_BadReference}; }
 };
 
 // An id that may name nothing; the call gets a pointer.
-class CUncheckedRef {
- public:
-  explicit CUncheckedRef(TSXRefId id) : m_pNode(FindObject<xercesc::DOMNode>(id)) {}
-  static TSXStatus Missing() { return 0; }
-  xercesc::DOMNode* Get() const { return m_pNode; }
-
- private:
-  xercesc::DOMNode* m_pNode;
+struct CUncheckedRef {
+  TSXRefId m_Id;
+  CMaybeFound Find() const { return {FindObject<xercesc::DOMNode>(m_Id)}; }
 };
 
-// The ids of a call come as a tuple made in braces, which looks them up in their order.
 namespace frame {
 
-template <class... Refs>
-TSXStatus FirstMissing(const std::tuple<Refs...>& refs) {
+template <class... Found>
+TSXStatus FirstMissing(const std::tuple<Found...>& all) {
   TSXStatus missing = 0;
-  const auto look = [&](const auto& ref) { return (missing = ref.Missing()) != 0; };
-  std::apply([&](const auto&... ref) { static_cast<void>((look(ref) || ...)); }, refs);
+  const auto look = [&](const auto& found) { return (missing = found.Missing()) != 0; };
+  std::apply([&](const auto&... found) { static_cast<void>((look(found) || ...)); }, all);
   return missing;
 }
 
@@ -110,15 +113,17 @@ TSXStatus FirstMissing(const std::tuple<Refs...>& refs) {
 
 template <class Guard, class... Refs, class Call>
 TSXStatus DoAll(const std::tuple<Refs...>& refs, Call call) {
-  const TSXStatus missing = frame::FirstMissing(refs);
+  // The braces keep the order.
+  const auto all = std::apply([](const auto&... ref) { return std::tuple{ref.Find()...}; }, refs);
+  const TSXStatus missing = frame::FirstMissing(all);
   if (missing != 0) return missing;
-  return Guard::Run([&] { std::apply([&](const auto&... ref) { call(ref.Get()...); }, refs); });
+  return Guard::Run([&] { std::apply([&](const auto&... found) { call(found.Get()...); }, all); });
 }
 
-// A call that gives a node, or null.
+// A call that hands a node out: it gets the out, too, and stores the node as soon as it
+// has it.
 template <class Guard, class Out, class... Refs, class Call>
 TSXStatus GetAll(Out out, const std::tuple<Refs...>& refs, Call call) {
-  const TSXStatus status = DoAll<Guard>(
-      refs, [&](auto&&... objects) { static_cast<void>(out.Store(call(objects...))); });
+  const TSXStatus status = DoAll<Guard>(refs, [&](auto&&... objects) { call(out, objects...); });
   return status == 0 ? 0 : out.Fail(status);
 }

@@ -120,20 +120,21 @@ TSXStatus TSXCreateDocumentFragment(TSXRefId document, TSXRefId* fragmentOut) {
 TSXStatus TSXImportNode(TSXRefId document, TSXRefId source, const uint8_t* deep,
                         TSXRefId* copyOut) {
   return GetAll<CMapsSupport>(CNodeOut(copyOut),
-                              std::tuple{CRef<CXercesDOM>(document, domErrRefImportNode),
-                                         CRef<DOMNode>(source, domErrRefImportNodeArg)},
-                              [&](auto& dom, auto& from) {
+                              std::tuple{CRef<CXercesDOM>{document, domErrRefImportNode},
+                                         CRef<DOMNode>{source, domErrRefImportNodeArg}},
+                              [&](auto& out, auto& dom, auto& from) {
                                 DOMNode* pCopy = dom::Import(*dom.m_pDoc, from, *deep != 0);
+                                if (pCopy == nullptr) return;
+                                out.Store(pCopy);
                                 g_NodeDomMap.Insert(&from, &dom);
-                                return pCopy;
                               });
 }
 
 // Contract: a node that is to be appended to itself is a missing child.
 TSXStatus TSXAppendChild(TSXRefId parent, TSXRefId child) {
   return DoAll<CMapsAppend>(
-      std::tuple{CRef<DOMNode>(parent, domErrRefAppendChild),
-                 CRef<DOMNode>(child != parent ? child : 0, domErrRefAppendChildArg)},
+      std::tuple{CRef<DOMNode>{parent, domErrRefAppendChild},
+                 CRef<DOMNode>{child != parent ? child : 0, domErrRefAppendChildArg}},
       [](auto& parentNode, auto& childNode) {
         dom::InsertBefore(parentNode, childNode, nullptr);
         g_NodeDomMap.DeleteByNode(&childNode);
@@ -144,8 +145,8 @@ TSXStatus TSXAppendChild(TSXRefId parent, TSXRefId child) {
 // the DOM call, and is not checked: one that names nothing appends at the end.
 TSXStatus TSXInsertBefore(TSXRefId parent, TSXRefId referenceChild, TSXRefId newChild) {
   return DoAll<CMapsInsert>(
-      std::tuple{CRef<DOMNode>(parent, domErrRefImportNode), CUncheckedRef(referenceChild),
-                 CRef<DOMNode>(newChild, domErrRefImportNodeArg)},
+      std::tuple{CRef<DOMNode>{parent, domErrRefImportNode}, CUncheckedRef{referenceChild},
+                 CRef<DOMNode>{newChild, domErrRefImportNodeArg}},
       [](auto& parentNode, auto* pReference, auto& childNode) {
         dom::InsertBefore(parentNode, childNode, pReference);
         g_NodeDomMap.DeleteByNode(&childNode);
@@ -153,9 +154,9 @@ TSXStatus TSXInsertBefore(TSXRefId parent, TSXRefId referenceChild, TSXRefId new
 }
 
 TSXStatus TSXReplaceChild(TSXRefId parent, TSXRefId newChild, TSXRefId oldChild) {
-  return DoAll<CMapsInsert>(std::tuple{CRef<DOMNode>(parent, domErrRefReplaceChild),
-                                       CRef<DOMNode>(newChild, domErrRefReplaceChildNew),
-                                       CRef<DOMNode>(oldChild, domErrRefReplaceChildOld)},
+  return DoAll<CMapsInsert>(std::tuple{CRef<DOMNode>{parent, domErrRefReplaceChild},
+                                       CRef<DOMNode>{newChild, domErrRefReplaceChildNew},
+                                       CRef<DOMNode>{oldChild, domErrRefReplaceChildOld}},
                             [](auto& parentNode, auto& childNode, auto& oldNode) {
                               dom::ReplaceChild(parentNode, childNode, oldNode);
                               g_NodeDomMap.DeleteByNode(&childNode);
@@ -166,8 +167,8 @@ TSXStatus TSXReplaceChild(TSXRefId parent, TSXRefId newChild, TSXRefId oldChild)
 }
 
 TSXStatus TSXRemoveChild(TSXRefId parent, TSXRefId child) {
-  return DoAll<CMapsRemove>(std::tuple{CRef<DOMNode>(parent, domErrRefRemoveChild),
-                                       CRef<DOMNode>(child, domErrRefRemoveChildArg)},
+  return DoAll<CMapsRemove>(std::tuple{CRef<DOMNode>{parent, domErrRefRemoveChild},
+                                       CRef<DOMNode>{child, domErrRefRemoveChildArg}},
                             [&](auto& parentNode, auto& childNode) {
                               dom::RemoveChild(parentNode, childNode);
                               if (g_NodeSessMap.DeleteBySess(child)) dom::Release(childNode);

@@ -1,5 +1,5 @@
-// The out-arguments of the exported functions. Each resets itself when it is made,
-// before the look-up, and knows how to fail and how to store a result.
+// The out-arguments of the exported functions. An id or a value resets itself when it is
+// made, before the look-up; each knows how to fail and how to store a result.
 #pragma once
 
 #include <tessel/export.h>

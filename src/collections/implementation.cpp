@@ -35,6 +35,4 @@ TSXStatus TSXCreateDocumentType(TSXRefId implementation, HStr* qualifiedName, HS
       qualifiedName, publicId, systemId);
 }
 
-void TSXImplementationClose(TSXRefId implementation) {
-  g_DOMImplSessMap.DeleteBySess(implementation);
-}
+void TSXImplementationClose(TSXRefId implementation) { g_DOMImplSessMap.CloseKnown(implementation); }

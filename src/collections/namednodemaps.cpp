@@ -53,16 +53,16 @@ TSXStatus TSXGetNamedItemNS(TSXRefId map, HStr* namespaceURI, HStr* localName, T
 }
 
 TSXStatus TSXSetNamedItem(TSXRefId map, TSXRefId node, TSXRefId* replacedOut) {
-  return GetAll<CMapsSetItem>(CNodeOut(replacedOut),
-                              std::tuple{CRef<dom::CMap>(map, domErrRefSetNamedItem),
-                                         CRef<DOMNode>(node, domErrRefSetNamedItemArg)},
+  return GetAll<CMapsSetItem>(CDetachedNodeOut(replacedOut),
+                              std::tuple{CRef<dom::CMap>{map, domErrRefSetNamedItem},
+                                         CRef<DOMNode>{node, domErrRefSetNamedItemArg}},
                               kReplacing<dom::SetItem>);
 }
 
 TSXStatus TSXSetNamedItemNS(TSXRefId map, TSXRefId node, TSXRefId* replacedOut) {
-  return GetAll<CMapsSetItem>(CNodeOut(replacedOut),
-                              std::tuple{CRef<dom::CMap>(map, domErrRefSetNamedItemNS),
-                                         CRef<DOMNode>(node, domErrRefSetNamedItemNSArg)},
+  return GetAll<CMapsSetItem>(CDetachedNodeOut(replacedOut),
+                              std::tuple{CRef<dom::CMap>{map, domErrRefSetNamedItemNS},
+                                         CRef<DOMNode>{node, domErrRefSetNamedItemNSArg}},
                               kReplacing<dom::SetItemNS>);
 }
 
@@ -90,4 +90,4 @@ TSXStatus TSXGetNamedNodeMapLength(TSXRefId map, uint64_t, int32_t* lengthOut) {
                                       [](auto& m) { return m.getLength(); });
 }
 
-void TSXNamedNodeMapClose(TSXRefId map) { g_NamedNodeMapSessMap.DeleteBySess(map); }
+void TSXNamedNodeMapClose(TSXRefId map) { g_NamedNodeMapSessMap.CloseKnown(map); }

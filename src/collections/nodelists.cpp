@@ -158,4 +158,4 @@ TSXStatus TSXGetNodeListArray(TSXRefId list, uint64_t, GenericRefObjSessionArray
                                   [](auto& l) { return &l; });
 }
 
-void TSXNodeListClose(TSXRefId list) { g_NodeListSessMap.DeleteBySess(list); }
+void TSXNodeListClose(TSXRefId list) { g_NodeListSessMap.CloseKnown(list); }

@@ -50,14 +50,3 @@ class CArrayOut {
  private:
   GenericRefObjSessionArray* m_pArray;
 };
-
-// A node that the call took out of a map.
-class CDetachedNodeOut : public CNodeOut {
- public:
-  using CNodeOut::CNodeOut;
-  TSXStatus Store(xercesc::DOMNode* pNode) {
-    const TSXStatus status = CNodeOut::Store(pNode);
-    EnterDetached(pNode);
-    return status;
-  }
-};

@@ -25,7 +25,7 @@ class CNewDocument {
  public:
   CNewDocument() : m_pDom(std::make_unique<CXercesDOM>()) {}
   ~CNewDocument() {
-    if (m_pDom == nullptr) return;
+    if (m_pDom == nullptr || !m_IsKnown) return;
     g_NodeSessMap.Withdraw(m_pDom.get());
     g_NodeDomMap.DeleteByDom(m_pDom.get());
   }
@@ -36,12 +36,16 @@ class CNewDocument {
     m_pDom->m_pDoc->release();
     m_pDom->m_pDoc = pDoc;
   }
-  TSXRefId Register() { return g_NodeSessMap.Insert(m_pDom.get()); }
+  TSXRefId Register() {
+    m_IsKnown = true;
+    return g_NodeSessMap.Insert(m_pDom.get());
+  }
   void Enter() { g_NodeDomMap.Insert(m_pDom->DocumentNode(), m_pDom.get()); }
   void Keep() { static_cast<void>(m_pDom.release()); }
 
  private:
   std::unique_ptr<CXercesDOM> m_pDom;
+  bool m_IsKnown = false;  // to a registry
 };
 
 // A name that the DOM refuses would leave the document type pointing into the
@@ -87,18 +91,17 @@ void DeleteDocumentObject(CXercesDOM* pDom) {
 
 void CloseDocument(const CDOMNodeSessMap::CClosed& entry) {
   if (!entry.m_IsLast) return;
-  if (entry.m_Kind != ENodeKind::kDocumentObject) {
-    ReleaseUnowned(entry);
-    return;
-  }
-  auto* pDom = static_cast<CXercesDOM*>(entry.m_pNode);
+  const bool isObject = entry.m_Kind == ENodeKind::kDocumentObject;
+  // Contract: whatever was closed, a host sees the lock of this look-up.
+  auto* pDom = isObject ? static_cast<CXercesDOM*>(entry.m_pNode) : nullptr;
   if (g_NodeDomMap.DeleteByDom(pDom)) DeleteDocumentObject(pDom);
+  if (!isObject) ReleaseUnowned(entry);
 }
 
 void CloseNode(const CDOMNodeSessMap::CClosed& entry) {
   // The document node's entry leads to its document object, which owns the tree:
-  // it does not make the node one to be freed.
-  if (entry.m_Kind == ENodeKind::kNode && g_NodeDomMap.DeleteLoose(entry.m_pNode)) {
+  // it does not make the node one to be freed. A host sees the lock all the same.
+  if (g_NodeDomMap.DeleteByNode(entry.m_Kind == ENodeKind::kNode ? entry.m_pNode : nullptr)) {
     // Contract: freed at every close, however many hand-outs are left.
     dom::Release(*entry.m_pNode);
   } else if (entry.m_IsLast && !entry.m_IsOwned && entry.m_Kind != ENodeKind::kDocumentObject) {
@@ -106,9 +109,11 @@ void CloseNode(const CDOMNodeSessMap::CClosed& entry) {
   }
 }
 
-// Contract: closing reports nothing and swallows what the DOM refuses.
+// Contract: closing reports nothing and swallows what the DOM refuses. A host sees the
+// lock of a look-up, of the closing and of the map.
 template <class Call>
 void Close(TSXRefId id, Call close) {
+  if (g_NodeSessMap.GetPtrBySess(id) == nullptr) return;
   Always<domErrUnexpected>::Run([&] {
     const auto closed = g_NodeSessMap.Close(id);
     if (closed.m_pNode != nullptr) close(closed);
@@ -149,7 +154,7 @@ void CleanupProcCXercesDOM(unsigned char* data) {
   std::memcpy(&document, data, sizeof document);
   CXercesDOM* pDom = FindObject<CXercesDOM>(document);
   Always<domErrUnexpected>::Run([&] {
-    if (pDom == nullptr || !g_NodeDomMap.DeleteByDom(pDom)) return;
+    if (!g_NodeDomMap.DeleteByDom(pDom)) return;
     // Contract: the ids name nothing from here on, however many hand-outs are open.
     g_NodeSessMap.Withdraw(pDom);
     DeleteDocumentObject(pDom);

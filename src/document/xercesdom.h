@@ -15,7 +15,7 @@
 // are wanted: it has no owner document, and release() frees the tree but not
 // this object.
 //
-// Loading replaces m_pDoc; it is never null but between construction steps.
+// Loading replaces m_pDoc; it is null only while it is made and after release().
 class CXercesDOM : public xercesc::DOMNode {
  public:
   CXercesDOM();

@@ -1,6 +1,6 @@
 // Where exceptions end. A policy wraps one call and turns what it throws into a
-// status, and a function names the policy. Loading and XPath have guards of
-// their own kind, and the frame of the node functions adds one for trees too deep.
+// status, and a function names the policy. Loading, writing and XPath have guards of
+// their own kind.
 #pragma once
 
 #include <tessel/export.h>

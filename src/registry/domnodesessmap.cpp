@@ -64,7 +64,7 @@ unsigned long CDOMNodeSessMap::InsertNode(DOMNode& node) {
   }
   CSlot slot;
   slot.m_pObject = &node;
-  // Types and owners are asked for under the lock; nothing else here calls the DOM.
+  // The owner is asked under the lock, as a document is for its nodes when its ids go.
   DOMDocument* pOwner = dom::OwnerDocumentAs(node, type);
   // Everything that may throw comes before the first change that would stay. An empty
   // list is kept until another is asked for.

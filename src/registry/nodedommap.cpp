@@ -6,15 +6,13 @@ using xercesc::DOMDocument;
 using xercesc::DOMNode;
 
 void CNodeDomMap::Insert(DOMNode* pNode, CXercesDOM* pDom) {
-  if (pNode == nullptr || pDom == nullptr) return;
-  const CEntry entry{pDom, dom::TreeOf(*pNode), pNode->getNodeType() != DOMNode::DOCUMENT_NODE};
+  const CEntry entry{pDom, pNode != nullptr ? dom::TreeOf(*pNode) : nullptr};
   CHostLock lock(m_Mutex);
-  if (m_NodeToDom.contains(pNode)) return;
-  // The entry comes last. On failure an orphan index entry remains; EraseAll skips it.
+  if (pNode == nullptr || pDom == nullptr || m_NodeToDom.contains(pNode)) return;
+  // The entry comes last. What a failure leaves in an index only, EraseAll drops.
   m_ByDom.emplace(pDom, pNode);
   m_ByTree.emplace(entry.m_pTree, pNode);
   m_NodeToDom.emplace(pNode, entry);
-  m_LooseCount += entry.m_IsLoose ? 1 : 0;
   dom::Mark(*pNode, dom::kHasEntry);
 }
 
@@ -49,7 +47,6 @@ bool CNodeDomMap::Erase(DOMNode* pNode) {
   if (found == m_NodeToDom.end()) return false;
   m_ByDom.erase({found->second.m_pDom, pNode});
   m_ByTree.erase({found->second.m_pTree, pNode});
-  m_LooseCount -= found->second.m_IsLoose ? 1 : 0;
   m_NodeToDom.erase(found);
   return true;
 }

@@ -4,7 +4,6 @@
 #include <absl/container/btree_map.h>
 #include <absl/container/btree_set.h>
 
-#include <atomic>
 #include <span>
 #include <utility>
 #include <xercesc/dom/DOM.hpp>
@@ -15,7 +14,8 @@ class CXercesDOM;
 
 // Two kinds of entry: the document node of every document object, so that the
 // object can be found from any node of its tree, and every node that the library
-// created or detached and no tree owns yet, so that closing its id frees it.
+// created and no tree owns yet, or that was taken out of its element or map, so that
+// closing its id frees it.
 //
 // An entry also remembers the document whose tree its node dies with: an import
 // enters a node of one document against the document object of another.
@@ -33,10 +33,6 @@ class CNodeDomMap {
   // True exactly when an entry was erased.
   bool DeleteByNode(xercesc::DOMNode* pNode);
 
-  // The same for a node that is no document. Nearly always there is no such entry at all,
-  // which costs no lock.
-  bool DeleteLoose(xercesc::DOMNode* pNode) { return m_LooseCount != 0 && DeleteByNode(pNode); }
-
   // Erases every entry of a document object; true when there was one.
   bool DeleteByDom(CXercesDOM* pDom);
 
@@ -53,7 +49,6 @@ class CNodeDomMap {
   struct CEntry {
     CXercesDOM* m_pDom;
     const xercesc::DOMDocument* m_pTree;
-    bool m_IsLoose;  // of a node that is no document
   };
 
   template <class Owner>
@@ -69,6 +64,5 @@ class CNodeDomMap {
   CIndex<const xercesc::DOMDocument*> m_ByTree TESSEL_GUARDED_BY(m_Mutex);
   // Changed under m_Mutex. A thread sees what it did itself, and what was done before a
   // document came to it.
-  std::atomic<size_t> m_LooseCount = 0;
   CHostMutex m_Mutex;
 };

@@ -157,6 +157,12 @@ class TESSEL_DATA CPtrSessMap {
     return pSlot != nullptr ? pSlot->m_pObject : nullptr;
   }
 
+  // What the closing functions do. Contract: the id is looked up first, which a host sees
+  // as a lock of its own.
+  void CloseKnown(unsigned long id) {
+    if (GetPtrBySess(id) != nullptr) DeleteBySess(id);
+  }
+
   // How many ids name an object at the moment.
   size_t LiveCount() {
     CHostLock lock(m_Mutex);

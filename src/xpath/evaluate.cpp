@@ -28,8 +28,10 @@ TSXStatus Evaluate(TSXRefId context, HStr* pExpression, HStr* pErrorText, Call c
         store(call(manager, CWideText(pExpression).Get()));
       },
       message);
-  if (!message.empty()) StoreText(message.c_str(), pErrorText);
-  return status;
+  if (message.empty()) return status;
+  const TSXStatus unexpected =
+      Always<domErrUnexpected>::Run([&] { StoreText(message.c_str(), pErrorText); });
+  return unexpected != 0 ? unexpected : status;
 }
 
 // The code for what may not be bound, 0 for a prefix that may.

@@ -110,6 +110,8 @@ struct CPredicate {
 };
 
 struct CStep {
+  static constexpr std::size_t kMostPredicates = 4;
+
   EAxis m_Axis = EAxis::kChild;
   std::vector<CTest> m_Tests = {};  // of which a node passes any
   std::vector<CPredicate> m_Predicates = {};

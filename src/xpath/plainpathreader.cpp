@@ -10,7 +10,6 @@ namespace plain {
 namespace {
 
 constexpr int kMostSteps = 48;
-constexpr std::size_t kMostPredicates = 4;
 
 constexpr std::pair<std::u16string_view, EAxis> kAxes[] = {
     {u"self", EAxis::kSelf},
@@ -203,7 +202,7 @@ int CReader::NumberOf(std::u16string_view prefix) {
 bool CReader::ReadPredicates(std::vector<CPredicate>& predicates) {
   while (Take(u"[")) {
     CPredicate& predicate = predicates.emplace_back();
-    if (predicates.size() > kMostPredicates || !ReadExpression(predicate.m_Expression) ||
+    if (predicates.size() > CStep::kMostPredicates || !ReadExpression(predicate.m_Expression) ||
         !Take(u"]")) {
       return false;
     }

@@ -10,8 +10,6 @@ namespace plain {
 
 namespace {
 
-constexpr std::size_t kMostPredicates = 4;  // as the reader lets through
-
 bool IsAttribute(const DOMNode& node) { return node.getNodeType() == DOMNode::ATTRIBUTE_NODE; }
 
 bool AreEqual(const XMLCh* pText, std::u16string_view other) {
@@ -174,7 +172,7 @@ bool CPlainEvaluation::Apply(const CStep& step, DOMNode& from, CVisitor visit, C
 
 bool CPlainEvaluation::ApplyCounting(const CStep& step, DOMNode& from, CVisitor visit,
                                      CDepth* pDepth) {
-  std::size_t counts[kMostPredicates] = {};
+  std::size_t counts[CStep::kMostPredicates] = {};
   bool goesOn = true;
   const auto filter = [&](DOMNode& node) {
     bool isLast = false;
