@@ -32,8 +32,7 @@ struct COptions {
     return m_Encoding.empty() || m_Encoding.starts_with("U") || m_Encoding.starts_with("ISO-1");
   }
   ETold Told() const {
-    if (m_IsPretty) return ETold::kLayout;
-    return IsUnicode() ? ETold::kAll : ETold::kRuns;
+    return (m_IsPretty ? ETold::kLayout : ETold::kAll) | (IsUnicode() ? ETold::kAll : ETold::kRuns);
   }
 
   bool m_HasNamespaces, m_IsPretty, m_IsFile;

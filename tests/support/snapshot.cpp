@@ -1,5 +1,6 @@
 #include "support/snapshot.h"
 
+#include <cstdio>
 #include <utility>
 #include <xercesc/util/XMLString.hpp>
 
@@ -113,14 +114,15 @@ class CTeller {
   }
 
   void TellText(const DOMNode& node) {
-    if (m_Told == ETold::kRuns) {
+    const bool isLayout = May(ETold::kLayout) && node.getNodeType() == DOMNode::TEXT_NODE &&
+                          node.getParentNode() != nullptr && IsSpace(node) &&
+                          HasElementsAlone(*node.getParentNode());
+    if (isLayout) return;
+    if (May(ETold::kRuns)) {
       m_Run += node.getNodeValue();
       return;
     }
-    const bool isLayout = m_Told == ETold::kLayout && node.getNodeType() == DOMNode::TEXT_NODE &&
-                          node.getParentNode() != nullptr && IsSpace(node) &&
-                          HasElementsAlone(*node.getParentNode());
-    if (!isLayout) Line(std::to_string(node.getNodeType()) + " " + Told(node.getNodeValue()));
+    Line(std::to_string(node.getNodeType()) + " " + Told(node.getNodeValue()));
   }
 
   void TellAttribute(const DOMNode& node) {
@@ -141,7 +143,8 @@ class CTeller {
   void TellType(const DOMDocumentType& type) {
     // An empty one is as good as none.
     std::string line = "type";
-    for (const XMLCh* p : {type.getPublicId(), type.getSystemId(), type.getInternalSubset()}) {
+    const auto subset = Escaped(type.getInternalSubset());
+    for (const XMLCh* p : {type.getPublicId(), type.getSystemId(), subset.c_str()}) {
       line += ' ';
       line += Told(p != nullptr ? p : u"");
     }
@@ -159,6 +162,26 @@ class CTeller {
       Line("notation " + Told(notation.getNodeName()) + " " + Told(notation.getPublicId()) + " " +
            Told(notation.getSystemId()));
     }
+  }
+
+  bool May(ETold differ) const { return (m_Told | differ) == m_Told; }
+
+  // The text, with a reference for each character that not every encoding has.
+  std::u16string Escaped(const XMLCh* pText) const {
+    std::u16string text;
+    for (; pText != nullptr && *pText != 0; ++pText) {
+      if (*pText < 0x80 || !May(ETold::kRuns)) {
+        text += *pText;
+        continue;
+      }
+      uint32_t character = *pText;
+      if (character >> 10 == 0xD800 >> 10) {
+        character = 0x10000 + ((character - 0xD800) << 10) + (*++pText - 0xDC00U);
+      }
+      char reference[16];
+      text.append(reference, reference + std::snprintf(reference, 16, "&#x%X;", character));
+    }
+    return text;
   }
 
   ETold m_Told;

@@ -7,11 +7,15 @@
 namespace support {
 
 // What two trees may differ in and still be told alike.
-enum class ETold {
-  kAll,
-  kRuns,    // how text is spread over text and CDATA sections
-  kLayout,  // white space between elements that have no text among them
+enum class ETold : unsigned {
+  kAll = 0,
+  kRuns = 1,    // how text is spread over text and CDATA sections, and which characters
+                // of the internal subset are written as references
+  kLayout = 2,  // white space between elements that have no text among them
 };
+constexpr ETold operator|(ETold a, ETold b) {
+  return ETold{static_cast<unsigned>(a) | static_cast<unsigned>(b)};
+}
 
 // A line for each node, attribute, entity and notation, in the order of the tree; those of a
 // document begin with what it declares. Encodings are left out.
