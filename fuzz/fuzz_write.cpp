@@ -29,7 +29,7 @@ struct COptions {
   }
   // Has every character, so that nothing may be refused.
   bool IsUnicode() const {
-    return m_Encoding.empty() || m_Encoding.starts_with("U") || m_Encoding.starts_with("ISO-1");
+    return m_Encoding.empty() || m_Encoding.starts_with("UTF") || m_Encoding.starts_with("ISO-1");
   }
   ETold Told() const {
     return (m_IsPretty ? ETold::kLayout : ETold::kAll) | (IsUnicode() ? ETold::kAll : ETold::kRuns);
