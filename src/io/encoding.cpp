@@ -95,8 +95,9 @@ bool CEncoding::Probe(char32_t code) {
   const std::size_t count = utf8::ToUnits(code, units);
   char bytes[64];
   XMLSize_t eaten = 0;
-  // The service takes single units well; asked for a pair, it looks at another character.
-  if (count == 1) return m_pProbe->canTranscodeTo(units[0]);
+  // Asked for a pair, the service looks at another character. It says yes to characters
+  // that nobody sees, such as a joiner, and leaves them out.
+  if (count == 1 && !m_pProbe->canTranscodeTo(units[0])) return false;
   return Transcode(*m_pProbe, units, count, bytes, sizeof bytes, eaten) != 0 && eaten == count;
 }
 

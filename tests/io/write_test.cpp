@@ -240,25 +240,28 @@ TEST_F(Write, GivesTheBytesOfTheXmlLibrary) {
 TEST_F(Write, HasReferencesForWhatTheEncodingLacks) {
   const std::string xml =
       "<!DOCTYPE r [<!ENTITY e '\xe2\x82\xac'><!ATTLIST r d CDATA '\xf0\x9f\x98\x80'>]>"
-      "<r a='\xc3\xa9\xe2\x82\xac'>\xc3\xa9\xf0\x9f\x98\x80<![CDATA[a\xc3\xa9]]>&e;</r>";
+      "<r "
+      "a='\xc3\xa9\xe2\x82\xac'>\xc3\xa9\xf0\x9f\x98\x80\xe2\x80\x8d<![CDATA[a\xc3\xa9]]>&e;</r>";
   struct {
     const char *pEncoding, *pText;
   } const rows[] = {
       {"US-ASCII",
        "<!DOCTYPE r [<!ENTITY e '&#x20AC;'><!ATTLIST r d CDATA '&#x1F600;'>]>"
-       "<r a=\"&#xE9;&#x20AC;\">&#xE9;&#x1F600;<![CDATA[a]]>&#xE9;&e;</r>"},
+       "<r a=\"&#xE9;&#x20AC;\">&#xE9;&#x1F600;&#x200D;<![CDATA[a]]>&#xE9;&e;</r>"},
       {"ISO-8859-1",
        "<!DOCTYPE r [<!ENTITY e '&#x20AC;'><!ATTLIST r d CDATA '&#x1F600;'>]>"
-       "<r a=\"\xe9&#x20AC;\">\xe9&#x1F600;<![CDATA[a\xe9]]>&e;</r>"},
+       "<r a=\"\xe9&#x20AC;\">\xe9&#x1F600;&#x200D;<![CDATA[a\xe9]]>&e;</r>"},
       {"windows-1252",
        "<!DOCTYPE r [<!ENTITY e '\x80'><!ATTLIST r d CDATA '&#x1F600;'>]>"
-       "<r a=\"\xe9\x80\">\xe9&#x1F600;<![CDATA[a\xe9]]>&e;</r>"},
+       "<r a=\"\xe9\x80\">\xe9&#x1F600;&#x200D;<![CDATA[a\xe9]]>&e;</r>"},
       {"Shift_JIS",
        "<!DOCTYPE r [<!ENTITY e '&#x20AC;'><!ATTLIST r d CDATA '&#x1F600;'>]>"
-       "<r a=\"&#xE9;&#x20AC;\">&#xE9;&#x1F600;<![CDATA[a]]>&#xE9;&e;</r>"},
+       "<r a=\"&#xE9;&#x20AC;\">&#xE9;&#x1F600;&#x200D;<![CDATA[a]]>&#xE9;&e;</r>"},
       {"GB18030",
        "<!DOCTYPE r [<!ENTITY e '\xa2\xe3'><!ATTLIST r d CDATA '\x94\x39\xfc\x36'>]>"
-       "<r a=\"\xa8\xa6\xa2\xe3\">\xa8\xa6\x94\x39\xfc\x36<![CDATA[a\xa8\xa6]]>&e;</r>"},
+       "<r "
+       "a=\"\xa8\xa6\xa2\xe3\">\xa8\xa6\x94\x39\xfc\x36\x81\x36\xa4\x39<![CDATA[a\xa8\xa6]]>&e;</"
+       "r>"},
   };
   for (const auto& row : rows) {
     CDoc doc(xml), again;
