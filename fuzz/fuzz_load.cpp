@@ -19,6 +19,7 @@ void SetOptions(TSXRefId document, uint8_t bits) {
   fuzz::RequireKnown(TSXSetPreserveWhitespace(document, 0, &whitespace));
   fuzz::RequireKnown(TSXSetValidationSchemaFullChecking(document, 0, &fullChecking));
   fuzz::RequireKnown(TSXSetValidateOnLoad(document, 0, &scheme));
+  fuzz::RequireKnown(TSXSetKeepPositions(document, 0, &whitespace));
 }
 
 }  // namespace

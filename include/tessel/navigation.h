@@ -106,7 +106,8 @@ TSX_API TSXStatus TSXGetNodeType(TSXRefId node, uint64_t ignored, int32_t* typeO
  * beyond 2,147,483,647 is told as that. A line ends
  * with CR, LF or both, in XML 1.1 also with NEL, CR and NEL, or the line
  * separator. The node is the bytes from *begin on and before *end, counted from
- * 0 in the encoding of the text, with the byte order mark.
+ * 0 in the encoding of the text, with the byte order mark. Bytes that only shift
+ * what follows belong to the character before them.
  *
  * An element goes from its start tag to its end tag; an attribute has its name
  * and its quotes, the text below it is what stands between these. Text is as it

@@ -1,10 +1,15 @@
 #include "document/sourcetext.h"
 
+#include <algorithm>
+#include <numeric>
 #include <xercesc/util/PlatformUtils.hpp>
 
 using namespace std::string_view_literals;
 
 namespace {
+
+// Bytes between two characters that change what the next ones mean.
+constexpr size_t kMostShifting = 16;
 
 constexpr XMLCh kNEL = 0x85, kLineSeparator = 0x2028;
 
@@ -37,7 +42,21 @@ bool CSourceText::Refill() {
       m_pTranscoder->transcodeFrom(reinterpret_cast<const XMLByte*>(m_Left.data()), m_Left.size(),
                                    m_Units.data(), kBlock, eaten, m_Sizes.data());
   m_Left.remove_prefix(eaten);
+  if (!FitSizes(eaten)) m_Count = 0;
   return m_Count != 0;
+}
+
+// The sizes of a block that begins with bytes that only shift leave these out. Where one
+// begins with the second unit of a pair, whose bytes the block before it had, the first size
+// that is not 0 is one too large. What else does not add up cannot be trusted.
+bool CSourceText::FitSizes(size_t eaten) {
+  const auto end = m_Sizes.begin() + static_cast<std::ptrdiff_t>(m_Count);
+  const auto sum = std::accumulate(m_Sizes.begin(), end, size_t{0});
+  const bool isShort = sum <= eaten && eaten - sum <= kMostShifting;
+  const bool isLong = sum == eaten + 1;
+  if (isShort) m_Here.m_Offset += static_cast<int64_t>(eaten - sum);
+  if (isLong) --*std::find_if(m_Sizes.begin(), end, [](unsigned char size) { return size != 0; });
+  return isShort || isLong;
 }
 
 void CSourceText::TakeRare(XMLCh unit) {

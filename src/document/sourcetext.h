@@ -43,6 +43,7 @@ class CSourceText {
   static constexpr size_t kBlock = 4096;
 
   bool Refill();
+  bool FitSizes(size_t eaten);
   void TakeRare(XMLCh unit);
 
   std::string_view m_Left;

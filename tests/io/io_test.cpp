@@ -53,6 +53,27 @@ TEST_F(Io, WideTrees) {
   EXPECT_EQ(count, kChildren);
 }
 
+// The XML library hands on a pair of units in two blocks, and begins a block with a shift.
+TEST_F(Io, PositionsAreRightBehindManyBlocks) {
+  for (const auto& [encoding, character] :
+       {std::pair("GB18030", "\x94\x39\xFC\x36"), std::pair("ISO-2022-JP", "\x1B$BF|\x1B(Bx")}) {
+    for (const std::string first : {"", "y"}) {
+      const std::string before = std::string("<?xml version='1.0' encoding='") + encoding +
+                                 "'?><r>" + first + support::Repeated(character, 10000);
+      CDoc doc;
+      TSXSetKeepPositions(doc.Id(), 0, &support::kOn);
+      EXPECT_EQ(support::Load(doc.Id(), before + "<b/></r>"), 0);
+      const TSXRefId text = support::FirstChild(doc.Root()), b = support::NextSibling(text);
+      int32_t line = 0, column = 0;
+      int64_t begin = 0, end = 0;
+      EXPECT_EQ(TSXGetSourcePosition(b, &line, &column, &begin, &end), 0);
+      EXPECT_EQ(begin, static_cast<int64_t>(before.size())) << encoding << first;
+      TSXNodeClose(text);
+      TSXNodeClose(b);
+    }
+  }
+}
+
 // A sanitizer is slow, but counts every byte: it needs fewer turns. The document keeps
 // some 250 bytes a turn, as it does without us: the DOM does not use the memory of
 // attribute maps again.
