@@ -5,7 +5,7 @@ _tessel_options() {
     tree) echo --no-attributes ;;
     format) echo --pretty --indent --no-declaration --encoding --output ;;
     check) echo --dtd --schema --full --xsd --no-external-dtd ;;
-    query) echo --text --count --namespace --no-namespaces ;;
+    query) echo --text --lines --count --namespace --no-namespaces ;;
     set) echo --attribute --output --in-place --namespace --no-namespaces ;;
     delete | rename) echo --output --in-place --namespace --no-namespaces ;;
     insert)

@@ -13,6 +13,7 @@ void SetOptions(const CDocument& document, const CReadOptions& options) {
   Require(TSXSetValidationSchemaFullChecking(id, 0, &options.m_FullChecking), "full checking");
   Require(TSXSetLoadExternalDTD(id, 0, &options.m_ExternalDTD), "external DTD");
   Require(TSXSetExternalAccess(id, 0, &options.m_Access), "external access");
+  Require(TSXSetKeepPositions(id, 0, &options.m_Positions), "positions");
   BindPrefixes(document, options.m_Prefixes);
 }
 

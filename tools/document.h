@@ -17,6 +17,7 @@ struct CReadOptions {
   uint8_t m_ExternalDTD = 1;
   int32_t m_Access = 2;                      // as TSXSetExternalAccess takes it
   std::vector<std::string> m_Prefixes = {};  // to bind, each PREFIX=URI
+  uint8_t m_Positions = 0;
 };
 
 // For a command with expressions.

@@ -15,6 +15,7 @@ struct CQueryOptions {
   std::string m_Expression;
   bool m_Text = false;
   bool m_Count = false;
+  bool m_Lines = false;
   CNameOptions m_Names;
 };
 
@@ -44,6 +45,15 @@ std::string NodeText(TSXRefId node, const std::string& file) {
   return std::string(text.View());
 }
 
+// What stands before a node. The file alone for what is not in its text, as a default is.
+std::string PlaceOf(TSXRefId node, const std::string& file) {
+  int32_t line = 0, column = 0;
+  int64_t begin = 0, end = 0;
+  Require(TSXGetSourcePosition(node, &line, &column, &begin, &end), file);
+  if (line == 0) return file + ": ";
+  return file + ':' + std::to_string(line) + ':' + std::to_string(column) + ": ";
+}
+
 int PrintNodes(const CDocument& document, const CQueryOptions& options) {
   const CNodeArray nodes = Select(document, options.m_File, options.m_Expression);
   if (options.m_Count) {
@@ -52,13 +62,18 @@ int PrintNodes(const CDocument& document, const CQueryOptions& options) {
     // What is shown beside other text, and with --text, is in one encoding.
     SetEncoding(document, "UTF-8");
     const auto show = options.m_Text ? NodeText : NodeXML;
-    for (size_t i = 0; i < nodes.Size(); ++i) Print(show(nodes.At(i), options.m_File) + '\n');
+    for (size_t i = 0; i < nodes.Size(); ++i) {
+      const std::string place = options.m_Lines ? PlaceOf(nodes.At(i), options.m_File) : "";
+      Print(place + show(nodes.At(i), options.m_File) + '\n');
+    }
   }
   return nodes.Size() > 0 ? kDone : kFailed;
 }
 
 int RunQuery(const CQueryOptions& options, const CClient& client) {
-  const CDocument document = ReadDocument(options.m_File, client, OptionsFor(options.m_Names));
+  CReadOptions reading = OptionsFor(options.m_Names);
+  reading.m_Positions = options.m_Lines ? 1 : 0;
+  const CDocument document = ReadDocument(options.m_File, client, reading);
   const auto value = ValueOf(document, options.m_File, options.m_Expression);
   if (!value || options.m_Count) return PrintNodes(document, options);
   Print(*value + '\n');
@@ -75,7 +90,11 @@ void AddQuery(CLI::App& app, CClient& client) {
   pQuery->add_option("EXPRESSION", options->m_Expression, "XPath expression")->required();
   CLI::Option* pText =
       pQuery->add_flag("--text", options->m_Text, "Print the text of each node, not its XML");
-  pQuery->add_flag("--count", options->m_Count, "Print how many nodes there are")->excludes(pText);
+  CLI::Option* pLines =
+      pQuery->add_flag("--lines", options->m_Lines, "Put FILE:LINE:COLUMN before each node");
+  pQuery->add_flag("--count", options->m_Count, "Print how many nodes there are")
+      ->excludes(pText)
+      ->excludes(pLines);
   AddNameOptions(pQuery, options->m_Names);
   pQuery->footer(
       "Exit status 0: something found, or a value; 1: nothing found, or an error.\n\n"
