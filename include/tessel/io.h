@@ -28,8 +28,9 @@ extern "C" {
 
 /* -- Loading --------------------------------------------------------------
  *
- * What a document names is fetched while it loads: entities always, a document
- * type from elsewhere and schemas as the options say (SECURITY.md has the table).
+ * What a document names is fetched while it loads, unless TSXSetExternalAccess
+ * refuses it: entities always, a document type from elsewhere and schemas as the
+ * other options say (SECURITY.md has the table).
  * A name is a path or a file: URL, relative to the document's own, or an http:,
  * https: or ftp: URL; file operations wait for the network, too. What is missing,
  * a directory, or cannot be reached is a fatal error with a line; a schema that is
@@ -38,6 +39,7 @@ extern "C" {
  * Elements may be nested to any depth. Beyond these limits a text gets a fatal error:
  *   50,000 expansions of entities in one load, those in attributes, in default
  *   attributes and of parameter entities included
+ *   as much expanded text as TSXSetEntityTextLimit says
  *   250 levels, elements and references, from a reference to an entity down
  *   with validation, a content model of more names than the calling thread's stack
  *   has room for, at 208 bytes each after a reserve of 64 KB: 900 on 256 KB,

@@ -76,8 +76,8 @@ TSX_API TSXStatus TSXGetPreserveWhitespace(TSXRefId document, uint64_t ignored, 
  *   0  everything: files of any kind, and the network
  *   1  files of any kind, nothing by network
  *   2  regular files in the document's own folder or below, once ".." and
- *      symbolic links are followed. A document that is loaded from a text has no
- *      folder and reads nothing, as in TSXElementSetXML
+ *      symbolic links are followed. A document that is loaded from a text or an
+ *      address has no folder and reads nothing, as in TSXElementSetXML
  *   3  nothing
  * Any other number counts as 3 and is read back as 3. The option holds for
  * entities, general and parameter, for document types, and for schemas with
@@ -85,7 +85,9 @@ TSX_API TSXStatus TSXGetPreserveWhitespace(TSXRefId document, uint64_t ignored, 
  * the file that TSXLoadFile is given. What is refused is not opened. It is a
  * fatal error whose line names it and says that access was refused, and the
  * load ends there; except an external document type in a load that does not
- * validate (scheme 0), which is passed over as if it were empty. A folder or a
+ * validate (scheme 0), and that of a schema in any, which are passed over as if
+ * they were empty. In any mode a name of more than 8,192 units is refused, and in
+ * mode 1 a file: URL of any host other than localhost. A folder or a
  * file that is replaced while it is read cannot lead elsewhere; a hard link is
  * a file of its folder. In mode 2 each file takes a few system calls more.
  * Both: domErrRefDocument. */
