@@ -319,7 +319,7 @@ void CModel::CheckOuts(const CCall& call) const {
       "TSXGetEncoding",        "TSXGetValidateOnLoad",     "TSXGetValidationSchemaFullChecking",
       "TSXGetLoadExternalDTD", "TSXGetPreserveWhitespace", "XPathEvaluateContextToNodeArray",
       "TSXGetExternalAccess",  "TSXGetEntityTextLimit",    "TSXGetWriteDeclaration",
-      "TSXGetKeepPositions"};
+      "TSXGetKeepPositions",   "TSXGetSchemaLocation",     "TSXGetNoNamespaceSchemaLocation"};
   const bool leaves = std::ranges::find(kLeaving, std::string_view(Name(call))) != kLeaving.end();
   if (call.m_HoldsOut != (leaves && call.m_HeldOut)) {
     Differs("an out beside a bad id", call.m_Ids[0]);

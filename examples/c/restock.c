@@ -1,9 +1,11 @@
-/* Orders what runs low: loads a stock list, finds the items by XPath, writes a new
- * count into each, tells its line in the file, and saves the list. Runs on the stand-in
- * host.
- *   restock FILE OUTPUT */
+/* Orders what runs low: loads a stock list that is valid by our schema, finds the items by
+ * XPath, writes a new count into each, tells its line in the file, and saves the list. Runs
+ * on the stand-in host.
+ *   restock FILE SCHEMA OUTPUT */
+#define _GNU_SOURCE /* realpath */
 #include <stdio.h>
 #include <stdlib.h>
+#include <string.h>
 #include <tessel/standin.h>
 #include <tessel/tessel.h>
 
@@ -35,6 +37,39 @@ static HStr string_of(const char* text) {
   HStr string = StandinStringFromText(text, -1);
   if (string == NULL) require(2, "a string", NULL);
   return string;
+}
+
+/* A place in a pair is one word, and a relative one would be beside the list. */
+static HStr place_of(const char* name_space, const char* file) {
+  char* path = realpath(file, NULL);
+  if (path == NULL) require(2, file, NULL);
+  char* pair = malloc(strlen(name_space) + 3 * strlen(path) + 2);
+  char* end = pair + sprintf(pair, "%s ", name_space);
+  for (const char* from = path; *from != '\0'; ++from) {
+    end = *from == ' ' ? stpcpy(end, "%20") : (*end = *from, end + 1);
+  }
+  *end = '\0';
+  HStr place = string_of(pair);
+  free(pair);
+  free(path);
+  return place;
+}
+
+/* What is not valid is not loaded, whatever schema the list itself may name. */
+static void prepare(TSXRefId document, const char* schema) {
+  const uint8_t on = 1;
+  const int32_t always = 1;
+  HStr place = place_of("urn:stock", schema);
+  HStr prefix = string_of("s");
+  HStr name_space = string_of("urn:stock");
+  require(TSXSetDoNamespaces(document, 0, &on), "an option", NULL);
+  require(TSXSetDoSchema(document, 0, &on), "an option", NULL);
+  require(TSXSetValidateOnLoad(document, 0, &always), "an option", NULL);
+  require(TSXSetSchemaLocation(document, 0, &place), schema, NULL);
+  require(XPathBindPrefix(document, &prefix, &name_space), "a prefix", NULL);
+  ClearString(&place);
+  ClearString(&prefix);
+  ClearString(&name_space);
 }
 
 static void load(TSXRefId document, const char* file) {
@@ -69,9 +104,19 @@ static TSXRefId first(TSXRefId context, const char* expression) {
   return node;
 }
 
+static double number(TSXRefId context, const char* expression) {
+  HStr text = string_of(expression);
+  HStr error = NULL;
+  double value = 0;
+  require(XPathEvaluateContextToNumber(context, &text, &value, &error), expression, error);
+  ClearString(&text);
+  ClearString(&error);
+  return value;
+}
+
 static void restock_item(TSXRefId item, HStr* amount) {
-  TSXRefId name = first(item, "name");
-  TSXRefId count = first(item, "count");
+  TSXRefId name = first(item, "s:name");
+  TSXRefId count = first(item, "s:count");
   HStr text = NULL;
   int32_t line, column;
   int64_t begin, end;
@@ -90,10 +135,11 @@ static void restock_item(TSXRefId item, HStr* amount) {
 }
 
 static void restock(TSXRefId document) {
-  HStr expression = string_of("/stock/item[count < 10]");
+  HStr expression = string_of("/s:stock/s:item[s:count < 10]");
   HStr amount = string_of("10");
   HStr error = NULL;
   GenericRefObjSessionArray items = NULL;
+  printf("%.0f pieces\n", number(document, "sum(//s:count)"));
   require(XPathEvaluateContextToNodeArray(document, &expression, &items, &error), "query", error);
   for (int32_t i = 0; i < (*items)->count; ++i) {
     restock_item((*items)->ids[i], &amount);
@@ -108,14 +154,15 @@ static void restock(TSXRefId document) {
 int main(int argc, char** argv) {
   TSXRefId document = 0;
   StandinLedger ledger;
-  if (argc != 3) {
-    fputs("usage: restock FILE OUTPUT\n", stderr);
+  if (argc != 4) {
+    fputs("usage: restock FILE SCHEMA OUTPUT\n", stderr);
     return 2;
   }
   TSXDocumentOpen(0, &document);
+  prepare(document, argv[2]);
   load(document, argv[1]);
   restock(document);
-  save(document, argv[2]);
+  save(document, argv[3]);
   TSXDocumentClose(document);
 
   StandinReadLedger(&ledger);

@@ -97,7 +97,7 @@ _document_close = _declare(_library, None, "TSXDocumentClose", _Id)
 
 _document_open = _status("TSXDocumentOpen", ctypes.c_uint64, _I)
 _load_file = _status("TSXLoadFile", _Id, ctypes.c_void_p, _S, _S)
-_load_string = _status("TSXLoadString", _Id, _S, _S, _S)
+_load_bytes = _status("TSXLoadBytes", _Id, _S, _S, _S)
 _save_file = _status("TSXSaveFile", _Id, ctypes.c_void_p, _S)
 _save_file_pretty = _status("TSXSaveFilePP", _Id, ctypes.c_void_p, _S)
 _get_xml = _status("TSXGetXML", _Id, _S)
@@ -112,6 +112,11 @@ _get_root = _status("TSXGetDocumentElement", _Id, ctypes.c_uint64, _I)
 _get_parent = _status("TSXGetParentNode", _Id, ctypes.c_uint64, _I)
 _get_position = _status("TSXGetSourcePosition", _Id, *2 * [ctypes.POINTER(ctypes.c_int32)],
                         *2 * [ctypes.POINTER(ctypes.c_int64)])
+_bind_prefix = _status("XPathBindPrefix", _Id, _S, _S)
+_evaluate_number = _status("XPathEvaluateContextToNumber", _Id, _S,
+                           ctypes.POINTER(ctypes.c_double), _S)
+_set_schema_location = _status("TSXSetSchemaLocation", _Id, ctypes.c_uint64, _S)
+_get_namespace = _status("TSXGetNamespaceName", _Id, ctypes.c_uint64, _S)
 _get_name = _status("TSXGetNodeName", _Id, ctypes.c_uint64, _S)
 _get_text = _status("TSXGetText", _Id, _S)
 _set_text = _status("TSXSetText", _Id, _S)
@@ -119,7 +124,7 @@ _has_attribute = _status("TSXHasAttribute", _Id, _S, ctypes.POINTER(ctypes.c_uin
 _get_attribute = _status("TSXGetAttribute", _Id, _S, _S)
 _set_attribute = _status("TSXSetAttribute", _Id, _S, _S)
 _remove_attribute = _status("TSXRemoveAttribute", _Id, _S)
-_create_element = _status("TSXCreateElement", _Id, _S, _I)
+_create_element = _status("TSXCreateElementNS", _Id, _S, _S, _I)
 _append_child = _status("TSXAppendChild", _Id, _Id)
 _remove_child = _status("TSXRemoveChild", _Id, _Id)
 
@@ -195,6 +200,13 @@ class _Selecting:
             _select_first(self._id, text, node, error, details=[error])
         return Node(self._document, node.value) if node.value else None
 
+    def number(self, expression):
+        """The value of an XPath expression as a number: count(//item)."""
+        value = ctypes.c_double()
+        with _strings(expression, None) as (text, error):
+            _evaluate_number(self._id, text, value, error, details=[error])
+        return value.value
+
     def to_bytes(self):
         """The XML text, in the document's encoding."""
         with _strings(None) as (xml,):
@@ -264,10 +276,13 @@ class Node(_Selecting):
             _remove_attribute(self._id, text)
 
     def add(self, name, text="", **attributes):
-        """A new element at the end of this one."""
+        """A new element at the end of this one, in its namespace."""
         child = _Id()
-        with _strings(name) as (tag,):
-            _create_element(self._document._id, tag, child)
+        with _strings(None) as (uri,):
+            _get_namespace(self._id, 0, uri)
+            namespace = _text(uri)
+        with _strings(namespace, name) as (uri, tag):
+            _create_element(self._document._id, uri, tag, child)
         try:
             _append_child(self._id, child)
         except Error:
@@ -307,19 +322,25 @@ class Document(_Selecting):
         self._set("TSXSetDoNamespaces", True)
 
     @classmethod
-    def load(cls, path, validate=False, external=True, places=False):
+    def load(cls, path, validate=False, external=True, schemas=None, places=False):
         """The document of a file. `validate` holds it against the schema or DTD
-        that it names; Error.details has a line for each fault. Without `external`
-        the external DTD is not read, unless to validate; entities that the text
-        declares itself are read in any case. With `places` each node knows its own."""
+        that it names, `schemas` against these files by namespace; Error.details has
+        a line for each fault. Without `external` the external DTD is not read,
+        unless to validate; entities that the text declares itself are read in any
+        case. With `places` each node knows its own."""
         return cls._read(lambda document: document._load_file(path), validate, external,
-                         places)
+                         schemas, places)
 
     @classmethod
-    def parse(cls, text, validate=False, external=True, places=False):
+    def parse(cls, text, validate=False, external=True, schemas=None, places=False):
         """The document of XML text, or of bytes in the encoding they declare."""
         return cls._read(lambda document: document._load_text(text), validate, external,
-                         places)
+                         schemas, places)
+
+    def bind(self, prefix, uri):
+        """What a prefix means in expressions, whatever the document declares."""
+        with _strings(prefix, uri) as (text, name):
+            _bind_prefix(self._id, text, name)
 
     @property
     def root(self):
@@ -345,9 +366,11 @@ class Document(_Selecting):
         self.close()
 
     @classmethod
-    def _read(cls, load, validate, external, places):
+    def _read(cls, load, validate, external, schemas, places):
         document = cls()
         try:
+            validate = bool(validate or schemas)
+            document._name_schemas(schemas or {})
             document._set("TSXSetDoSchema", validate)
             document._set("TSXSetLoadExternalDTD", external)
             document._set("TSXSetKeepPositions", places)
@@ -358,6 +381,13 @@ class Document(_Selecting):
             raise
         return document
 
+    def _name_schemas(self, schemas):
+        # A place is one word, and a relative one would be beside the document.
+        places = [(uri, os.path.abspath(path).replace(" ", "%20"))
+                  for uri, path in schemas.items()]
+        with _strings(" ".join(word for pair in places for word in pair)) as (pairs,):
+            _set_schema_location(self._id, 0, pairs)
+
     def _set(self, option, value):
         _set_flag[option](self._id, 0, ctypes.c_uint8(value))
 
@@ -367,4 +397,4 @@ class Document(_Selecting):
 
     def _load_text(self, text):
         with _strings(text, None, None) as (xml, errors, exception):
-            _load_string(self._id, xml, errors, exception, details=[errors, exception])
+            _load_bytes(self._id, xml, errors, exception, details=[errors, exception])

@@ -16,28 +16,31 @@ DATA = pathlib.Path(__file__).parent.parent / "data"
 
 class RestockTest(unittest.TestCase):
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
+        folder = tempfile.TemporaryDirectory(suffix=" with a blank")
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
-        shutil.copy(DATA / "stock.xsd", self.folder)
+        self.schema = self.folder / "stock.xsd"
+        shutil.copy(DATA / "stock.xsd", self.schema)
 
     def run_example(self):
         printed = io.StringIO()
         with contextlib.redirect_stdout(printed):
-            restock.main(DATA / "stock.xml", self.folder / "out.xml")
+            restock.main(DATA / "stock.xml", self.schema, self.folder / "out.xml")
         return printed.getvalue()
 
     def test_restocks_adds_and_validates(self):
-        self.assertEqual(self.run_example(), "4: Nägel: 3 -> 10\n5: Saw: 7 -> 10\nvalid\n")
+        printed = "22 pieces\n4: Nägel: 3 -> 10\n5: Saw: 7 -> 10\nvalid\n"
+        self.assertEqual(self.run_example(), printed)
         with tessel.Document.load(self.folder / "out.xml") as stock:
-            self.assertEqual([c.text for c in stock.select("//count")], ["12", "10", "10", "4"])
+            stock.bind("s", restock.STOCK)
+            self.assertEqual([c.text for c in stock.select("//s:count")], ["12", "10", "10", "4"])
         self.assertEqual(tessel.left_open(), 0)
 
     def test_validation_lists_each_fault(self):
         bad = (DATA / "stock.xml").read_text(encoding="utf-8").replace(">3<", ">few<")
         (self.folder / "bad.xml").write_text(bad.replace(">7<", ">-1<"), encoding="utf-8")
         with self.assertRaises(tessel.Error) as caught:
-            tessel.Document.load(self.folder / "bad.xml", validate=True)
+            tessel.Document.load(self.folder / "bad.xml", schemas={restock.STOCK: self.schema})
         self.assertEqual(caught.exception.name, "domErrParse")
         faults = [line for line in caught.exception.details if line.startswith("Line ")]
         self.assertEqual([line.split(",")[0] for line in faults], ["Line 4", "Line 5"])
@@ -99,6 +102,10 @@ class NodeTest(unittest.TestCase):
         with self.assertRaises(tessel.Error) as caught:
             self.document.root.add("not a name")
         self.assertEqual(caught.exception.name, "domErrInvalidCharacter")
+
+    def test_bytes_have_the_encoding_that_they_say(self):
+        with tessel.Document.parse("<a>é</a>".encode("utf-16")) as document:
+            self.assertEqual(document.root.text, "é")
 
     def test_nothing_works_after_the_end(self):
         with tessel.Document.parse("<a/>") as closed:

@@ -34,7 +34,7 @@ extern "C" {
  * A name is a path or a file: URL, relative to the document's own, or an http:,
  * https: or ftp: URL; file operations wait for the network, too. What is missing,
  * a directory, or cannot be reached is a fatal error with a line; a schema that is
- * missing shows only in the errors that follow from it.
+ * missing shows only in the errors that follow from it, unless the host has named it.
  *
  * Elements may be nested to any depth. Beyond these limits a text gets a fatal error:
  *   50,000 expansions of entities in one load, those in attributes, in default

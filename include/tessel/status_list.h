@@ -80,7 +80,8 @@
     "TSXLoadString, TSXLoadBytes, TSXElementSetXML, TSXGetEncoding, TSXSetEncoding, " \
     "TSXSetWriteDeclaration, TSXGetWriteDeclaration, TSXSetExternalAccess, " \
     "TSXGetExternalAccess, TSXSetEntityTextLimit, TSXGetEntityTextLimit, " \
-    "TSXSetKeepPositions, TSXGetKeepPositions, XPathBindPrefix", \
+    "TSXSetKeepPositions, TSXGetKeepPositions, TSXSetSchemaLocation, TSXGetSchemaLocation, " \
+    "TSXSetNoNamespaceSchemaLocation, TSXGetNoNamespaceSchemaLocation, XPathBindPrefix", \
     "the id names no document, or for TSXElementSetXML no element with a parent in a document", \
     "pass the id of an open document, or of an attached element") \
   X(-2628, domErrParse, "TSXLoadFile, TSXLoadString, TSXLoadBytes, TSXElementSetXML", \
@@ -88,10 +89,10 @@
     "show the lines in parseErrors and the text in exceptionText") \
   X(-2629, domErrUnexpected, \
     "every function that guards a call into the libraries below: loading, element replacement, " \
-    "TSXCreateDocument, the creators but those of text, comment and fragment, " \
-    "TSXImportNode, the setters and removers of strings, character data, attributes and " \
-    "children, TSXSplitText, the collection functions but the close functions, the XPath " \
-    "functions", "a failure that the function has no code of its own for", \
+    "the setters of encoding and schemas, TSXCreateDocument, the creators but those of text, " \
+    "comment and fragment, TSXImportNode, the setters and removers of strings, character data, " \
+    "attributes and children, TSXSplitText, the collection functions but the close functions, " \
+    "the XPath functions", "a failure that the function has no code of its own for", \
     "report it with the call's arguments: it is not an answer that a program can act on") \
   X(-2630, domErrRefGetNodeType, "TSXGetNodeType", \
     "the id names no node, or the DOM failed to tell its type", \

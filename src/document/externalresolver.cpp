@@ -55,6 +55,7 @@ std::unique_ptr<InputSource> CExternalResolver::Resolve(const XMLResourceIdentif
   CAnswer answer{u"its name is too long", false, {}};
   if (xercesc::XMLString::stringLen(pName) <= kLongestName) {
     place = CPlaceOfName::InDocument(resource.getBaseURI(), pName);
+    if (m_pSeen != nullptr) place.NoteIn(*m_pSeen);
     answer = place.m_IsFile ? m_Policy.AskForFile(place.m_Path) : m_Policy.AskForNetwork();
   }
   if (answer.m_pRefusal != nullptr) {

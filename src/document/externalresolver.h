@@ -8,12 +8,15 @@
 #include "document/accesspolicy.h"
 #include "document/externalsource.h"
 #include "document/loadstop.h"
+#include "document/seenfiles.h"
 
 // Everything that a parser reads beside its document is asked for here by name, also by
 // the parsers of schemas that it makes.
 class CExternalResolver {
  public:
-  CExternalResolver(CLoadStop& stop, CExpansionLimits& limits) : m_Stop(stop), m_Limits(limits) {}
+  // What is asked for is noted in `pSeen`, if any.
+  CExternalResolver(CLoadStop& stop, CExpansionLimits& limits, CSeenFiles* pSeen = nullptr)
+      : m_Stop(stop), m_Limits(limits), m_pSeen(pSeen) {}
   CExternalResolver(const CExternalResolver&) = delete;
   CExternalResolver& operator=(const CExternalResolver&) = delete;
 
@@ -38,6 +41,7 @@ class CExternalResolver {
 
   CLoadStop& m_Stop;
   CExpansionLimits& m_Limits;
+  CSeenFiles* m_pSeen;
   CAccessPolicy m_Policy;
   std::shared_ptr<CLostEntities> m_pLost = std::make_shared<CLostEntities>();
 };

@@ -10,6 +10,7 @@
 
 #include "document/accesspolicy.h"
 #include "document/expansionlimits.h"
+#include "document/seenfiles.h"
 
 // Where a name leads, found as the XML library finds it. Nothing is opened.
 struct CPlaceOfName {
@@ -19,6 +20,8 @@ struct CPlaceOfName {
 
   // A name in a document; the base is the address of what names it.
   static CPlaceOfName InDocument(const XMLCh* pBase, const XMLCh* pName);
+  void NoteIn(CSeenFiles& seen) const { m_IsFile ? seen.See(m_Path) : seen.SeeOther(); }
+
   // The document itself; without a source where the name needs a current folder and
   // there is none.
   static CPlaceOfName OfDocument(const char* pName);

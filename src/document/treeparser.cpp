@@ -11,7 +11,7 @@
 #include "host/guards.h"
 
 CTreeParser::CTreeParser()
-    : CBuilder(nullptr, &dom::NodeMemory()),
+    : CBuilder(nullptr, &dom::NodeMemory(), &m_Schemas.Grammars()),
       m_Stop(*getScanner()),
       m_Limits(m_Stop),
       m_Resolver(m_Stop, m_Limits) {
@@ -19,7 +19,7 @@ CTreeParser::CTreeParser()
 }
 
 template <class Source>
-void CTreeParser::Parse(const Source& source) {
+void CTreeParser::Parse(const Source& source, const XMLCh* pName) {
   const CExpansionLimits::CLoad load(m_Limits);
   m_Stop.Begin();
   m_Prefixes.Begin();
@@ -29,20 +29,21 @@ void CTreeParser::Parse(const Source& source) {
   m_Listed.clear();
   m_IsListed.clear();
   m_Resolver.Lost().Free();
+  const CNamedSchemas::CUse use(m_Schemas, *this, pName, Policy().Mode());
   parse(source);
   m_Resolver.Lost().Free();
 }
 
 void CTreeParser::ParseLimited(const xercesc::InputSource& text) {
   Policy().SetDocument("");
-  Parse(*m_Capture.Watch(text));
+  Parse(*m_Capture.Watch(text), text.getSystemId());
 }
 
 // That there is no current folder is for the parser to say.
 void CTreeParser::ParseLimited(const char* pName) {
   const auto pSource = m_Resolver.Document(pName);
-  if (pSource != nullptr) return Parse(*m_Capture.Watch(*pSource));
-  Parse(pName);
+  if (pSource != nullptr) return Parse(*m_Capture.Watch(*pSource), pSource->getSystemId());
+  Parse(pName, xercesc::XMLUni::fgZeroLenString);
 }
 
 void CTreeParser::error(unsigned int code, const XMLCh* pDomain, ErrTypes type, const XMLCh* pText,
@@ -54,6 +55,9 @@ void CTreeParser::error(unsigned int code, const XMLCh* pDomain, ErrTypes type, 
 
 xercesc::InputSource* CTreeParser::resolveEntity(xercesc::XMLResourceIdentifier* pResource) {
   m_Stop.RequireGoing();
+  const bool isSchema =
+      pResource->getResourceIdentifierType() != xercesc::XMLResourceIdentifier::ExternalEntity;
+  if (isSchema) m_Schemas.OnSchemaOfDocument();
   // The parser of a schema, which has a place of its own, never validates either.
   const bool needsDocumentType =
       pResource->getLocator() == getScanner()->getLocator() && getValidationScheme() != Val_Never;

@@ -8,11 +8,18 @@
 #include "document/expansionlimits.h"
 #include "document/externalresolver.h"
 #include "document/loadstop.h"
+#include "document/namedschemas.h"
 #include "document/positions.h"
 #include "document/prefixscope.h"
 #include "document/sourcecapture.h"
 #include "dom/builder.h"
 #include "dom/hashroom.h"
+
+// What a parser is made with, and what hence outlives it.
+class CSchemasOfParser {
+ protected:
+  CNamedSchemas m_Schemas;
+};
 
 // Ends in a fatal error, before it happens, what would fill the memory or the stack, and
 // what reads beside the document without leave.
@@ -21,7 +28,7 @@
 // copied by recursion when the entity node is first looked into, by whichever thread:
 // so its depth has a fixed limit. A content model becomes an automaton by recursion
 // during the load, so its depth is bounded by the stack of the loading thread.
-class CTreeParser final : public dom::CBuilder {
+class CTreeParser final : private CSchemasOfParser, public dom::CBuilder {
  public:
   // Elements and references, from the outermost reference on.
   static constexpr std::size_t kMostInEntity = 250;
@@ -35,6 +42,10 @@ class CTreeParser final : public dom::CBuilder {
   // What the document may read beside itself, and what its expansions may come to.
   CAccessPolicy& Policy() { return m_Resolver.Policy(); }
   CExpansionLimits& Limits() { return m_Limits; }
+  CNamedSchemas& Schemas() { return m_Schemas; }
+
+  // Of the last parse, with those of the schemas that the host names.
+  XMLSize_t ErrorCount() const { return getErrorCount() + m_Schemas.FaultCount(); }
 
   // Whether a load notes where its nodes stand. Other parses never do.
   void SetKeepPositions(bool keeps) { m_KeepsPositions = keeps; }
@@ -80,8 +91,9 @@ class CTreeParser final : public dom::CBuilder {
              XMLFileLoc column) override;
 
  private:
+  // The name of the document is asked for where relative names begin.
   template <class Source>
-  void Parse(const Source& source);
+  void Parse(const Source& source, const XMLCh* pName);
   void NeedRoom(XMLSize_t names);
   void MakeDefaults();
   void GoDeeper();

@@ -2,6 +2,8 @@
 #include <tessel/status.h>
 
 #include "document/find.h"
+#include "host/guards.h"
+#include "host/text.h"
 
 using xercesc::XercesDOMParser;
 
@@ -53,6 +55,31 @@ constexpr CFlagOption kPreserveWhitespace{&XercesDOMParser::setIncludeIgnorableW
                                           &XercesDOMParser::getIncludeIgnorableWhitespace,
                                           domErrRefSetPreserveWhitespace,
                                           domErrRefGetPreserveWhitespace};
+
+// A text of the schemas that the host names.
+struct CSchemaOption {
+  std::u16string CNamedSchemas::*m_pText;
+
+  TSXStatus Set(TSXRefId document, HStr* pValue) const {
+    TSXStatus status = 0;
+    const TSXStatus found = WithParser(document, domErrRefDocument, [&](auto& parser) {
+      status = Always<domErrUnexpected>::Run(
+          [&] { parser.Schemas().*m_pText = CWideText(pValue).Get(); });
+    });
+    return found != 0 ? found : status;
+  }
+  TSXStatus Get(TSXRefId document, HStr* pValue) const {
+    TSXStatus status = 0;
+    const TSXStatus found = WithParser(document, domErrRefDocument, [&](auto& parser) {
+      const std::u16string& text = parser.Schemas().*m_pText;
+      status = StoreText(text.empty() ? nullptr : text.c_str(), pValue);
+    });
+    return found != 0 ? found : status;
+  }
+};
+
+constexpr CSchemaOption kSchemaLocation{&CNamedSchemas::m_Pairs};
+constexpr CSchemaOption kNoNamespaceSchemaLocation{&CNamedSchemas::m_NoNamespace};
 
 }  // namespace
 
@@ -124,4 +151,17 @@ TSXStatus TSXSetKeepPositions(TSXRefId document, uint64_t, const uint8_t* value)
 TSXStatus TSXGetKeepPositions(TSXRefId document, uint64_t, uint8_t* value) {
   return WithParser(document, domErrRefDocument,
                     [&](auto& parser) { *value = parser.GetKeepPositions() ? 1 : 0; });
+}
+
+TSXStatus TSXSetSchemaLocation(TSXRefId document, uint64_t, HStr* value) {
+  return kSchemaLocation.Set(document, value);
+}
+TSXStatus TSXGetSchemaLocation(TSXRefId document, uint64_t, HStr* value) {
+  return kSchemaLocation.Get(document, value);
+}
+TSXStatus TSXSetNoNamespaceSchemaLocation(TSXRefId document, uint64_t, HStr* value) {
+  return kNoNamespaceSchemaLocation.Set(document, value);
+}
+TSXStatus TSXGetNoNamespaceSchemaLocation(TSXRefId document, uint64_t, HStr* value) {
+  return kNoNamespaceSchemaLocation.Get(document, value);
 }

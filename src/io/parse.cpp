@@ -19,7 +19,7 @@ CStringSource::CStringSource(HStr* pText, EBytes bytes, const char* pSystemId)
                bytes == EBytes::kAll ? CountOf(pText) : std::strlen(m_Text.Get()), pSystemId) {}
 
 TSXStatus ReportParse(CXercesDOM& dom, HStr* pParseErrors) {
-  if (dom.m_pParser->getErrorCount() == 0) {
+  if (dom.m_pParser->ErrorCount() == 0) {
     ClearString(pParseErrors);
     return 0;
   }

@@ -30,6 +30,29 @@ void InThreads(int count, const std::function<void(int)>& work) {
   for (auto& thread : threads) thread.join();
 }
 
+// A grammar is with one load at a time.
+TEST_F(Threads, SchemasOfTheHostGoFromLoadToLoad) {
+  const support::CPath schema("shared.xsd");
+  schema.Write(
+      "<s:schema xmlns:s='http://www.w3.org/2001/XMLSchema'><s:element name='r'><s:complexType>"
+      "<s:sequence><s:element name='n' maxOccurs='2'><s:simpleType><s:restriction base='s:string'>"
+      "<s:pattern value='[a-c]+'/></s:restriction></s:simpleType></s:element></s:sequence>"
+      "</s:complexType></s:element></s:schema>");
+  InThreads(4, [&](int thread) {
+    for (int i = 0; i < 200; ++i) {
+      CDoc doc;
+      CText place(schema.Name());
+      EXPECT_EQ(TSXSetDoNamespaces(doc.Id(), 0, &support::kOn), 0);
+      EXPECT_EQ(TSXSetDoSchema(doc.Id(), 0, &support::kOn), 0);
+      EXPECT_EQ(TSXSetValidateOnLoad(doc.Id(), 0, &support::kAlways), 0);
+      EXPECT_EQ(TSXSetNoNamespaceSchemaLocation(doc.Id(), 0, &place), 0);
+      const std::string good = "<r xmlns:x='urn:" + std::to_string(thread * i) + "'><n>abc</n></r>";
+      EXPECT_EQ(support::Load(doc.Id(), good), 0);
+      EXPECT_EQ(support::Load(doc.Id(), "<r><n>abc</n><n>d</n></r>"), domErrParse);
+    }
+  });
+}
+
 // Of all that the library and those below it set up at the first use of it: each
 // case has a process of its own, so here nothing has been used before.
 TEST_F(Threads, FirstUseOfEverythingAtOnce) {

@@ -1,0 +1,40 @@
+#include "document/lentgrammars.h"
+
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLUni.hpp>
+#include <xercesc/validators/schema/SchemaSymbols.hpp>
+
+using xercesc::SchemaSymbols;
+using xercesc::XMLPlatformUtils;
+using xercesc::XMLUni;
+
+void AddConstantNames(xercesc::XMLStringPool& names) {
+  for (const XMLCh* pName :
+       {XMLUni::fgZeroLenString, XMLUni::fgUnknownURIName, XMLUni::fgXMLURIName,
+        XMLUni::fgXMLNSURIName, SchemaSymbols::fgURI_XSI}) {
+    names.addOrFind(pName);
+  }
+}
+
+CLentGrammars::CLentGrammars()
+    : XMLGrammarPoolImpl(XMLPlatformUtils::fgMemoryManager),
+      m_Names(XMLPlatformUtils::fgMemoryManager) {
+  Lend(nullptr);
+  AddConstantNames(m_Names);
+}
+
+void CLentGrammars::Lend(xercesc::XMLGrammarPool* pGrammars) {
+  m_pLent = pGrammars;
+  m_Names.Use(*(pGrammars != nullptr ? pGrammars->getURIStringPool()
+                                     : XMLGrammarPoolImpl::getURIStringPool()));
+}
+
+xercesc::Grammar* CLentGrammars::retrieveGrammar(xercesc::XMLGrammarDescription* pDescription) {
+  return m_pLent != nullptr ? m_pLent->retrieveGrammar(pDescription)
+                            : XMLGrammarPoolImpl::retrieveGrammar(pDescription);
+}
+
+xercesc::RefHashTableOfEnumerator<xercesc::Grammar> CLentGrammars::getGrammarEnumerator() const {
+  return m_pLent != nullptr ? m_pLent->getGrammarEnumerator()
+                            : XMLGrammarPoolImpl::getGrammarEnumerator();
+}
