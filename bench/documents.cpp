@@ -59,12 +59,12 @@ std::string PrefixedXml(size_t items) {
 }
 
 std::string QueryXml(size_t items) {
-  std::string xml = std::string(kDeclaration) + "<root>";
+  std::string xml = std::string(kDeclaration) + "<list>";
   for (size_t i = 0; i < items; ++i) {
     const std::string number = std::to_string(i);
     xml += "<item id=\"" + number + "\"><name>Name " + number + "</name></item>";
   }
-  return xml + "</root>";
+  return xml + "</list>";
 }
 
 std::string SiblingsXml(size_t elements) {

@@ -270,8 +270,8 @@ CRowTable EditRows() {
       {"attribute.get", "Get an attribute's value", Times(1.5, kLibxml2), GetAttribute},
       {"text.small", "Text of a small element", Times(1.5, kLibxml2), SmallText},
       {"attribute.set", "Set an attribute's value", Times(4, kLibxml2), SetAttribute},
-      {"attribute.maps", "The same beside 50,000 open maps of another document", Times(1.5, kAlone),
-       SetBesideMaps},
+      {"attribute.maps", "Set an attribute beside 50,000 open maps of another document",
+       Times(1.5, kAlone), SetBesideMaps},
       {"text.content", "Text content of an element with 100,000 nodes", kNoAim, TextContent},
   };
 }

@@ -251,7 +251,7 @@ CRowTable IoRows() {
   static constexpr const char* kMime = "/usr/share/mime/packages/freedesktop.org.xml";
   return {
       {"load.string", "Load 19 MB from a string", Times(1, kLibxml2), LoadString},
-      {"load.namespaces", "The same, with namespaces", Times(1.2, kLibxml2),
+      {"load.namespaces", "Load 19 MB from a string, with namespaces", Times(1.2, kLibxml2),
        [](const CSizes& sizes) { return LoadWithNamespaces(ItemsXml(sizes.m_LargeItems)); }},
       {"load.prefixes", "Load 22 MB where every name has a prefix, with namespaces",
        Times(1.2, kLibxml2),

@@ -102,8 +102,10 @@ CRow Names(const CSizes& sizes) {
 CRowTable WalkRows() {
   return {
       {"walk.close", "Walk a million nodes, each id closed behind", Times(4, kXerces), WalkClosing},
-      {"walk.keep", "The same, all ids kept, first visit", Times(3.5, kXerces), WalkKeepingFirst},
-      {"walk.again", "The same, all ids kept, ids known", Times(1.8, kXerces), WalkKeepingAgain},
+      {"walk.keep", "Walk a million nodes, all ids kept, first visit", Times(3.5, kXerces),
+       WalkKeepingFirst},
+      {"walk.again", "Walk a million nodes, all ids kept, ids known", Times(1.8, kXerces),
+       WalkKeepingAgain},
       {"walk.names", "Walk a million nodes and read every name, ids closed", kNoAim, Names},
   };
 }
