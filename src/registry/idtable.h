@@ -63,9 +63,11 @@ class CIdTable {
     unsigned m_Used = 0;
   };
 
-  // Calls for neighbours come in a row: the page of the last one is at hand.
+  // Calls for neighbours come in a row, and for new ids between them: the page of the last
+  // one is at hand, and the newest.
   CPage* PageOf(unsigned long id) const {
     const unsigned long number = id / kPageSize;
+    if (m_pNewest != nullptr && number == m_NewestPage) return m_pNewest;
     if (m_pLast != nullptr && number == m_LastPage) return m_pLast;
     const auto shelf = m_Shelves.find(number / kShelfSize);
     if (shelf == m_Shelves.end()) return nullptr;
