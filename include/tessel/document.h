@@ -85,7 +85,10 @@ TSX_API TSXStatus TSXCreateDocument(TSXRefId implementation, HStr* namespaceURI,
  * and its lists and maps cost, beside freeing the tree. Ids that are unknown or 0 are
  * ignored. The id of another node is given back; with its last hand-out goes what
  * belongs to no document object, the clone of a document or a document type that no
- * document has taken, and nothing else. */
+ * document has taken, and nothing else.
+ *
+ * Up to 128 MB of the memory of closed documents wait for the next one. The system may
+ * take them where it runs short; what is beyond goes back to it at once. */
 TSX_API void TSXDocumentClose(TSXRefId document);
 
 /* Gives one hand-out of a node's id back. Unknown ids and 0 are ignored.
