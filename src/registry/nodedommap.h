@@ -62,7 +62,5 @@ class CNodeDomMap {
   absl::btree_map<xercesc::DOMNode*, CEntry> m_NodeToDom TESSEL_GUARDED_BY(m_Mutex);
   CIndex<CXercesDOM*> m_ByDom TESSEL_GUARDED_BY(m_Mutex);
   CIndex<const xercesc::DOMDocument*> m_ByTree TESSEL_GUARDED_BY(m_Mutex);
-  // Changed under m_Mutex. A thread sees what it did itself, and what was done before a
-  // document came to it.
   CHostMutex m_Mutex;
 };
