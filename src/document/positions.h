@@ -20,8 +20,8 @@ struct CPosition {
 //
 // Entries stand in the order in which they were made. A parser makes nodes one behind the
 // other in a few large blocks, so that these are a few runs of ascending addresses, and
-// sorting the runs by their first addresses takes no time. Where runs overlap, which no
-// order of loading needs but none forbids, all entries are sorted.
+// sorting the runs by their first addresses takes no time. Where runs overlap, as when a
+// default attribute gave way and its memory was used again, all entries are sorted.
 class CPositions {
  public:
   // The index of the entry.
