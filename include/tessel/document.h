@@ -87,7 +87,7 @@ TSX_API TSXStatus TSXCreateDocument(TSXRefId implementation, HStr* namespaceURI,
  * belongs to no document object, the clone of a document or a document type that no
  * document has taken, and nothing else.
  *
- * Up to 128 MB of the memory of closed documents wait for the next one. The system may
+ * Up to 256 MB of the memory of closed documents wait for the next one. The system may
  * take them where it runs short; what is beyond goes back to it at once. */
 TSX_API void TSXDocumentClose(TSXRefId document);
 

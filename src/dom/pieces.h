@@ -18,7 +18,7 @@ inline constexpr std::size_t kSize = std::size_t{512} << 10;
 // Free memory that waits for the next document, at most; bytes. The system gets the rest
 // back at once, and this, too, where it runs short. Free pieces that share a huge page
 // with pieces in use do not count.
-inline constexpr std::size_t kMostKept = std::size_t{128} << 20;
+inline constexpr std::size_t kMostKept = std::size_t{256} << 20;
 
 // A piece, in huge pages where the system has them. Null where it has no memory. Any
 // thread may call both.
