@@ -20,13 +20,15 @@ CLentGrammars::CLentGrammars()
     : XMLGrammarPoolImpl(XMLPlatformUtils::fgMemoryManager),
       m_Names(XMLPlatformUtils::fgMemoryManager) {
   Lend(nullptr);
-  AddConstantNames(m_Names);
 }
 
+// The scanner has given the parser's own names their numbers when it was made and at its
+// first parse, which may be one with lent ones.
 void CLentGrammars::Lend(xercesc::XMLGrammarPool* pGrammars) {
+  xercesc::XMLStringPool& own = *XMLGrammarPoolImpl::getURIStringPool();
+  if (pGrammars != nullptr) AddConstantNames(own);
   m_pLent = pGrammars;
-  m_Names.Use(*(pGrammars != nullptr ? pGrammars->getURIStringPool()
-                                     : XMLGrammarPoolImpl::getURIStringPool()));
+  m_Names.Use(pGrammars != nullptr ? *pGrammars->getURIStringPool() : own);
 }
 
 xercesc::Grammar* CLentGrammars::retrieveGrammar(xercesc::XMLGrammarDescription* pDescription) {
