@@ -63,6 +63,7 @@ class CTeller {
     Begin(root);
     const DOMNode* pNode = root.getFirstChild();
     for (size_t level = 1; pNode != nullptr; pNode = Next(pNode, root, level)) {
+      if (level != m_Indent) EndRun();
       m_Indent = level;
       Begin(*pNode);
     }
