@@ -35,4 +35,6 @@ TSXStatus TSXCreateDocumentType(TSXRefId implementation, HStr* qualifiedName, HS
       qualifiedName, publicId, systemId);
 }
 
-void TSXImplementationClose(TSXRefId implementation) { g_DOMImplSessMap.CloseKnown(implementation); }
+void TSXImplementationClose(TSXRefId implementation) {
+  g_DOMImplSessMap.CloseKnown(implementation);
+}
