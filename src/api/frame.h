@@ -79,6 +79,9 @@ struct CFound {
   auto& Get() const { return *m_pObject; }
 };
 
+template <class Object>
+CFound(Object, TSXStatus) -> CFound<Object>;
+
 struct CMaybeFound {
   xercesc::DOMNode* m_pNode;
   static TSXStatus Missing() { return 0; }

@@ -1,5 +1,6 @@
 #include "document/lentgrammars.h"
 
+#include <initializer_list>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLUni.hpp>
 #include <xercesc/validators/schema/SchemaSymbols.hpp>

@@ -40,7 +40,10 @@ class CNewDocument {
     m_IsKnown = true;
     return g_NodeSessMap.Insert(m_pDom.get());
   }
-  void Enter() { g_NodeDomMap.Insert(m_pDom->DocumentNode(), m_pDom.get()); }
+  void Enter() {
+    m_IsKnown = true;
+    g_NodeDomMap.Insert(m_pDom->DocumentNode(), m_pDom.get());
+  }
   void Keep() { static_cast<void>(m_pDom.release()); }
 
  private:
@@ -70,7 +73,7 @@ TSXRefId CreateDocument(DOMImplementation& implementation, const XMLCh* pURI, co
   if (isTaken) dom::takentypes::Note(*pType);
   document.Keep();
   return id;
-}
+}  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the registries have it
 
 // Frees what belongs to no document object and to no tree: a cloned document, a
 // document type that no document took. Its last id has just been given back.
@@ -94,7 +97,7 @@ void CloseDocument(const CDOMNodeSessMap::CClosed& entry) {
   const bool isObject = entry.m_Kind == ENodeKind::kDocumentObject;
   // Contract: whatever was closed, a host sees the lock of this look-up.
   auto* pDom = isObject ? static_cast<CXercesDOM*>(entry.m_pNode) : nullptr;
-  if (g_NodeDomMap.DeleteByDom(pDom)) DeleteDocumentObject(pDom);
+  if (g_NodeDomMap.DeleteByDom(pDom) && pDom != nullptr) DeleteDocumentObject(pDom);
   if (!isObject) ReleaseUnowned(entry);
 }
 
