@@ -10,7 +10,7 @@
  * TSXCreateDocument and TSXGetOwnerDocument give it; for any other id the
  * entry's code is returned and *value is neither read nor written. Pointers
  * must not be null; `ignored` is never read. A flag is one byte: a setter takes
- * any non-zero value as true, a getter writes 0 or 1. Nothing else can fail but
+ * any non-zero value as true, a getter writes 0 or 1. Nothing else can fail, except
  * where an entry says so, and nothing leaves as an exception.
  *
  * A fresh parser checks that the text is well-formed, applies what a DTD

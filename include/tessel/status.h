@@ -1,8 +1,8 @@
 /* The status codes by name.
  *
- * Every exported function that has a result returns a TSXStatus, except those of
- * <tessel/values.h> and <tessel/version.h>, which answer with the host's codes: 0 for
- * success or one of these codes, always exactly one. The host's own functions have
+ * Every exported function that has a result returns a TSXStatus: 0 for success or one
+ * of these codes, always exactly one. Only those of <tessel/values.h> and
+ * <tessel/version.h> answer with the host's codes. The host's own functions have
  * positive codes (1 missing destination, 2 allocation refused); a function that
  * passes one on says so. What each code means, who returns it and what a host
  * can do about it stands in <tessel/status_list.h>, which a program expands to
