@@ -27,11 +27,11 @@ using COptions = std::shared_ptr<CEditOptions>;
 
 void EditFile(const CInput& input, const CEditOptions& options, const CClient& client) {
   CEditedFile file(input, client, OptionsFor(options.m_Names));
-  for (const CEdit& edit : options.m_Edits) file.Apply(edit);
+  file.Apply(options.m_Edits);
   if (!file.IsChangedInPlace()) {
     PrintError(Line(input.Name(), "its text cannot be changed in part, so it is written anew"));
   }
-  WriteResult(options.m_InPlace ? input.Name() : options.m_Output, file.Bytes());
+  WriteResult(options.m_InPlace ? input.Name() : options.m_Output, *file.Bytes());
 }
 
 void RequireUsable(const CEditOptions& options) {

@@ -1,5 +1,7 @@
 #include "edited.h"
 
+#include <algorithm>
+
 #include "message.h"
 #include "recode.h"
 #include "splice.h"
@@ -29,66 +31,104 @@ std::string EncodingOf(std::string_view bytes) {
 // UTF-8 that a parser has accepted, or an edit has made of it, is not recoded.
 std::optional<CSourceText> CSourceText::Of(const CInput& input) {
   CSourceText source;
-  source.m_Text = input.Bytes();
-  if (source.m_Text.empty()) return std::nullopt;
-  source.m_Encoding = EncodingOf(source.m_Text);
+  source.m_pText = input.Bytes();
+  if (source.m_pText->empty()) return std::nullopt;
+  source.m_Encoding = EncodingOf(*source.m_pText);
   if (!IsUTF8(source.m_Encoding)) {
-    std::optional<std::string> text = Recode(source.m_Text, source.m_Encoding, "UTF-8");
-    if (!text || Recode(*text, "UTF-8", source.m_Encoding) != source.m_Text) return std::nullopt;
-    source.m_Text = *std::move(text);
+    std::optional<std::string> text = Recode(*source.m_pText, source.m_Encoding, "UTF-8");
+    if (!text || Recode(*text, "UTF-8", source.m_Encoding) != *source.m_pText) return std::nullopt;
+    source.m_pText = std::make_shared<const std::string>(*std::move(text));
   }
-  source.m_Mark = source.m_Text.starts_with(kMark) ? kMark.size() : 0;
+  source.m_Mark = source.m_pText->starts_with(kMark) ? kMark.size() : 0;
   return source;
 }
 
 bool CSourceText::SetText(std::string text) {
   if (!IsUTF8(m_Encoding) && !Recode(text, "UTF-8", m_Encoding)) return false;
   if (m_Mark > 0) text.insert(0, kMark);
-  m_Text = std::move(text);
+  m_pText = std::make_shared<const std::string>(std::move(text));
   return true;
 }
 
-std::string CSourceText::Bytes() const {
-  if (IsUTF8(m_Encoding)) return m_Text;
-  return Recode(m_Text, "UTF-8", m_Encoding).value_or("");
+CSharedText CSourceText::Bytes() const {
+  if (IsUTF8(m_Encoding)) return m_pText;
+  return std::make_shared<const std::string>(Recode(*m_pText, "UTF-8", m_Encoding).value_or(""));
 }
 
 // -- The file ------------------------------------------------------------------------
 
 CEditedFile::CEditedFile(const CInput& input, const CClient& client, const CReadOptions& options)
-    : m_Input(input),
-      m_Client(client),
-      m_Options(options),
-      m_Document(ReadDocument(input, client, options)),
-      m_Source(CSourceText::Of(input)) {}
+    : m_Input(input), m_Client(client), m_Options(options) {
+  ReadInput();
+  m_Source = CSourceText::Of(input);
+}
 
-void CEditedFile::Apply(const CEdit& edit) {
+void CEditedFile::Apply(const std::vector<CEdit>& edits) {
+  if (edits.size() > 1 && CanBeReadAtTheEnd() && ApplyTogether(edits)) return;
+  ApplyEachConfirmed(edits);
+}
+
+// Without a document type, which gives what is new its default attributes and IDs, a tree
+// that is edited and then normalized is the one that the text would give.
+bool CEditedFile::CanBeReadAtTheEnd() const {
+  return m_Source && m_Source->Text().find("<!DOCTYPE") == std::string_view::npos;
+}
+
+// False, and everything as it was, where the edits have to be confirmed one by one.
+bool CEditedFile::ApplyTogether(const std::vector<CEdit>& edits) {
+  const CSourceText before = *m_Source;
+  const bool areChanged = std::ranges::all_of(edits, [&](const CEdit& edit) {
+    if (!Change(edit)) return false;
+    Require(TSXNormalize(m_Document.Get()), m_Input.Name());
+    return true;
+  });
+  if (areChanged && IsConfirmed()) return true;
+  m_Source = before;
+  ReadInput();
+  return false;
+}
+
+// A text that names other files may be beyond reach where it is no file itself: then the
+// edits are done again.
+void CEditedFile::ApplyEachConfirmed(const std::vector<CEdit>& edits) {
+  for (auto edit = edits.begin(); edit != edits.end(); ++edit) {
+    const bool isChanged = Change(*edit);
+    if (isChanged && IsConfirmed()) continue;
+    m_Source.reset();
+    if (!isChanged) continue;
+    ReadInput();
+    std::for_each(edits.begin(), edit + 1, [&](const CEdit& done) { Change(done); });
+  }
+}
+
+// In the tree, and in the text where there is one. False where the text cannot follow.
+bool CEditedFile::Change(const CEdit& edit) {
   std::optional<std::string> text;
   ::Apply(edit, m_Document, m_Input.Name(), [&](CNodeArray& nodes) {
     if (m_Source) text = Spliced(m_Source->Text(), edit, nodes, m_Source->Encoding());
   });
-  m_Done.push_back(edit);
-  if (!m_Source) return;
-  if (!text || !m_Source->SetText(*std::move(text)) || !IsConfirmed()) m_Source.reset();
+  return text && m_Source->SetText(*std::move(text));
 }
 
-// The tree that was edited makes room for the one that is read. A text that names other
-// files may be beyond reach where it is no file itself: then the edits are done again.
+// The tree that was edited makes room for the one that is read.
 bool CEditedFile::IsConfirmed() {
   const std::string& file = m_Input.Name();
   try {
     const CText wanted = DocumentText(m_Document, file);
     m_Document = {};
     m_Document = ReadDocument(CInput::OfText(file, m_Source->Bytes()), m_Client, m_Options);
-    if (DocumentText(m_Document, file).View() == wanted.View()) return true;
+    return DocumentText(m_Document, file).View() == wanted.View();
   } catch (const CFailure&) {
+    return false;
   }
-  m_Document = {};
-  m_Document = ReadDocument(m_Input, m_Client, m_Options);
-  for (const CEdit& edit : m_Done) ::Apply(edit, m_Document, file, [](CNodeArray&) {});
-  return false;
 }
 
-std::string CEditedFile::Bytes() const {
-  return m_Source ? m_Source->Bytes() : WriteDocument(m_Document, m_Input.Name());
+void CEditedFile::ReadInput() {
+  m_Document = {};
+  m_Document = ReadDocument(m_Input, m_Client, m_Options);
+}
+
+CSharedText CEditedFile::Bytes() const {
+  return m_Source ? m_Source->Bytes()
+                  : std::make_shared<const std::string>(WriteDocument(m_Document, m_Input.Name()));
 }

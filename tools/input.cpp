@@ -92,13 +92,15 @@ bool CFileIdentity::IsOpenAs(int descriptor) const {
          status.st_ino == m_Node;
 }
 
-std::string CInput::Bytes() const { return Read(m_Identity.m_Size); }
+CSharedText CInput::Bytes() const {
+  return m_Path.empty() ? m_pText : std::make_shared<const std::string>(Read(m_Identity.m_Size));
+}
 
 std::string CInput::Head() const { return Read(std::min<uint64_t>(m_Identity.m_Size, 65536)); }
 
 // Nothing of a pipe: the parser reads that.
 std::string CInput::Read(uint64_t most) const {
-  if (m_Path.empty()) return m_Text;
+  if (m_Path.empty()) return *m_pText;
   std::string bytes(m_Spool.IsOpen() ? static_cast<size_t>(lseek(m_Spool.Get(), 0, SEEK_END))
                                      : static_cast<size_t>(most),
                     '\0');
@@ -114,30 +116,32 @@ std::string CInput::Read(uint64_t most) const {
 }
 
 void CInput::ReadStandardInput() {
-  if (!ReadAll(STDIN_FILENO, m_Text)) {
+  std::string text;
+  if (!ReadAll(STDIN_FILENO, text)) {
     m_Problem = std::strerror(errno);
     return;
   }
+  m_pText = std::make_shared<const std::string>(std::move(text));
   SpoolText();
 }
 
-CInput CInput::OfText(std::string file, std::string text) {
+CInput CInput::OfText(std::string file, CSharedText pText) {
   CInput input;
   input.m_Name = std::move(file);
-  input.m_Text = std::move(text);
+  input.m_pText = std::move(pText);
   input.SpoolText();
   return input;
 }
 
 void CInput::SpoolText() {
-  if (!NeedsFile(m_Text)) return;
+  if (!NeedsFile(*m_pText)) return;
   m_Spool = CDescriptor(memfd_create("text", MFD_CLOEXEC));
-  if (!m_Spool.IsOpen() || !WriteAll(m_Spool.Get(), m_Text)) {
+  if (!m_Spool.IsOpen() || !WriteAll(m_Spool.Get(), *m_pText)) {
     m_Problem = std::strerror(errno);
     return;
   }
   m_Path = "/proc/self/fd/" + std::to_string(m_Spool.Get());
-  m_Text.clear();
+  m_pText = std::make_shared<const std::string>();
 }
 
 std::vector<CInput> PrepareInputs(const std::vector<std::string>& files, const CClient& client,

@@ -3,6 +3,7 @@
 #define TESSEL_TOOLS_INPUT_H
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -38,6 +39,9 @@ struct CFileIdentity {
   bool IsOpenAs(int descriptor) const;
 };
 
+// A text as large as a file, which its users share.
+using CSharedText = std::shared_ptr<const std::string>;
+
 // What becomes of standard input: it is read at once, or left to a parser that streams.
 enum class EStandardInput { kRead, kStream };
 
@@ -48,17 +52,17 @@ class CInput {
   CInput(std::string file, EStandardInput standardInput);
 
   // Text as if it were what this file holds.
-  static CInput OfText(std::string file, std::string text);
+  static CInput OfText(std::string file, CSharedText pText);
 
   const std::string& Name() const { return m_Name; }
   // Why it cannot be read; empty when it can.
   const std::string& Problem() const { return m_Problem; }
   // The path to load from; empty for text from standard input.
   const std::string& Path() const { return m_Path; }
-  const std::string& Text() const { return m_Text; }
+  const std::string& Text() const { return *m_pText; }
   const CFileIdentity& Identity() const { return m_Identity; }
   // All of a regular file or a text, empty otherwise.
-  std::string Bytes() const;
+  CSharedText Bytes() const;
   // As much as a document type usually takes. Nothing of a pipe.
   std::string Head() const;
 
@@ -72,7 +76,7 @@ class CInput {
   std::string m_Name;
   std::string m_Problem;
   std::string m_Path;
-  std::string m_Text;
+  CSharedText m_pText = std::make_shared<const std::string>();
   CFileIdentity m_Identity;
   CDescriptor m_Spool;
 };

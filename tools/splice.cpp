@@ -226,8 +226,10 @@ class CSplicer {
     std::ranges::stable_sort(m_Splices, [](const CSplice& a, const CSplice& b) {
       return a.m_Begin != b.m_Begin ? a.m_Begin < b.m_Begin : a.m_End > b.m_End;
     });
+    size_t added = 0;
+    for (const CSplice& splice : m_Splices) added += splice.m_Text.size();
     std::string result;
-    result.reserve(m_Text.size());
+    result.reserve(m_Text.size() + added);
     size_t done = 0;
     for (const CSplice& splice : m_Splices) {
       if (splice.m_Begin < done) continue;
@@ -235,7 +237,8 @@ class CSplicer {
       result += splice.m_Text;
       done = splice.m_End;
     }
-    return result.append(m_Text, done);
+    result.append(m_Text, done);
+    return result;
   }
 
   std::string_view m_Text;

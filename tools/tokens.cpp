@@ -64,7 +64,9 @@ size_t TextSize(std::string_view text) {
   }
 }
 
-CToken First(std::string_view xml) {
+}  // namespace
+
+CToken FirstToken(std::string_view xml) {
   const auto token = [&](EToken kind, size_t size) { return CToken{kind, xml.substr(0, size)}; };
   if (IsReference(xml)) return token(EToken::kReference, Through(xml, ";"));
   if (xml[0] != '<') return token(EToken::kText, TextSize(xml));
@@ -78,8 +80,6 @@ CToken First(std::string_view xml) {
   return token(isEmpty ? EToken::kEmpty : EToken::kStart, size);
 }
 
-}  // namespace
-
 std::vector<CToken> Tokens(std::string_view xml) {
   std::vector<CToken> tokens;
   // A tag or a reference, and a text behind it.
@@ -87,7 +87,7 @@ std::vector<CToken> Tokens(std::string_view xml) {
                          std::ranges::count_if(xml, [](char c) { return c == '<' || c == '&'; })) +
                  1);
   while (!xml.empty()) {
-    tokens.push_back(First(xml));
+    tokens.push_back(FirstToken(xml));
     xml.remove_prefix(tokens.back().m_Text.size());
   }
   return tokens;

@@ -22,7 +22,9 @@ struct CToken {
   std::string_view m_Text;  // from the first to the last character
 };
 
-// All pieces of text in UTF-8 that is known to be well-formed.
+// The first piece of text in UTF-8 that is known to be well-formed, and not empty.
+CToken FirstToken(std::string_view xml);
+// All pieces.
 std::vector<CToken> Tokens(std::string_view xml);
 
 #endif

@@ -159,6 +159,8 @@ FILES = {
                   '<f><!-- > --><?g h?><i><![CDATA[ ]]></i></f></r>',
     "mixed.xml": '<r><p>See <a>the manual</a>, <b>bold</b>!</p><d xml:space="preserve"><e/></d></r>',
     "names.xml": '<p:a xmlns:p="urn:p"><p:b>1</p:b></p:a>',
+    "apart.xml": "<r>a<!--c-->b<d/></r>",
+    "typed.xml": '<!DOCTYPE r [<!ATTLIST a i ID #IMPLIED>]><r><a/></r>',
     "edit.xml": '<r xmlns="urn:d" xmlns:p="urn:p" k="1"><p:a p:i="2">x</p:a><!--c--><?t d?></r>',
 }
 
@@ -442,6 +444,16 @@ faults.xml:4:{4 + 3 * i}: entity 'z' not found
          edited('<p:a p:i="2">x</p:a><!--c-->', "<g/><p:f/>1<!---n-->", "</r>", "<h/></r>")),
     Case("edit --delete //gone --delete //comment() edit.xml", 1,
          err="tessel: edit.xml: nothing found: //gone\n"),
+    # One edit finds what those before it have made, as it is when it is read again.
+    Case("edit --delete //comment() --set //text()[1] x apart.xml", 0, "<r>x<d/></r>"),
+    Case("edit --delete //comment() --insert-last /r[count(text())=2] <x/> apart.xml", 1,
+         err="tessel: apart.xml: nothing found: /r[count(text())=2]\n"),
+    Case("edit --set-attribute //a i x --insert-last id('x') <b/> typed.xml", 0,
+         FILES["typed.xml"].replace("<a/>", '<a i="x"><b/></a>')),
+    # The text would be another document: then the edits are done anew, each once.
+    Case("edit --insert-last /* <e/> --set-attribute /* xmlns urn:x --delete //d apart.xml", 0,
+         HEAD + "<r>a<!--c-->b<e/></r>",
+         re.compile(".*its text cannot be changed in part.*\n")),
     Case("edit edit.xml", 2, err="at least one edit is required\n" + RUN_HELP),
     Case("edit --delete //x cat.xml edit.xml", 2, err=re.compile(f".*--in-place only\n{RUN_HELP}")),
     # Codes.
