@@ -22,24 +22,24 @@ constexpr const char* kNameColour = "1";
 constexpr const char* kValueColour = "32";
 
 // As a string literal, so that a node is one line and cannot steer a terminal.
-std::string Quoted(std::string_view text) {
+void AppendQuoted(std::string& line, std::string_view text) {
   constexpr std::string_view kHex = "0123456789abcdef";
-  std::string quoted = "\"";
+  line += '"';
   for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
     if (c == '\n') {
-      quoted += "\\n";
+      line += "\\n";
     } else if (c == '\t') {
-      quoted += "\\t";
+      line += "\\t";
     } else if (c == '"' || c == '\\') {
-      quoted += {'\\', c};
+      line += {'\\', c};
     } else if (byte < 0x20 || byte == 0x7f) {
-      quoted += {'\\', 'x', kHex[byte >> 4], kHex[byte & 15]};
+      line += {'\\', 'x', kHex[byte >> 4], kHex[byte & 15]};
     } else {
-      quoted += c;
+      line += c;
     }
   }
-  return quoted + '"';
+  line += '"';
 }
 
 bool HasValue(EKind kind) {
@@ -58,7 +58,7 @@ class CTreePrinter {
   CTreePrinter(bool attributes, bool colour) : m_Attributes(attributes), m_Colour(colour) {}
 
   void PrintDocument(const CDocument& document) {
-    PrintLine(document.Get(), 0, EKind::kDocument);
+    PrintLine(document.Get(), 0, EKind::kDocument, {});
     PrintBelow(document.Get(), 1);
   }
 
@@ -82,15 +82,18 @@ class CTreePrinter {
 
   void PrintNode(TSXRefId node, size_t depth) {
     const EKind kind = KindOf(node);
-    PrintLine(node, depth, kind);
-    if (kind == EKind::kElement && m_Attributes) PrintMap(node, depth + 1, TSXGetAttributes);
+    PrintLine(node, depth, kind, NameOf(node, kind).View());
+    if (kind == EKind::kElement && m_Attributes && HasAttributes(node)) {
+      PrintMap(node, depth + 1, EKind::kAttribute, TSXGetAttributes);
+    }
     if (kind != EKind::kDocumentType) return;
-    PrintMap(node, depth + 1, TSXGetEntities);
-    PrintMap(node, depth + 1, TSXGetNotations);
+    PrintMap(node, depth + 1, EKind::kEntity, TSXGetEntities);
+    PrintMap(node, depth + 1, EKind::kNotation, TSXGetNotations);
   }
 
   // A map has no order of its own: print by name.
-  void PrintMap(TSXRefId node, size_t depth, TSXStatus (*getMap)(TSXRefId, uint64_t, TSXRefId*)) {
+  void PrintMap(TSXRefId node, size_t depth, EKind kind,
+                TSXStatus (*getMap)(TSXRefId, uint64_t, TSXRefId*)) {
     CNodeMap map;
     Require(getMap(node, 0, map.Out()), "node");
     if (!map) return;
@@ -98,47 +101,60 @@ class CTreePrinter {
     Require(TSXGetArray(map.Get(), 0, items.Get()), "node");
     std::vector<std::pair<std::string, TSXRefId>> byName;
     for (size_t i = 0; i < items.Size(); ++i) {
-      byName.emplace_back(Property(items.At(i), TSXGetNodeName).View(), items.At(i));
+      byName.emplace_back(NameOf(items.At(i), kind).View(), items.At(i));
     }
     std::ranges::sort(byName);
     for (const auto& [name, item] : byName) {
-      const EKind kind = KindOf(item);
-      PrintLine(item, depth, kind);
+      PrintLine(item, depth, kind, name);
       if (kind == EKind::kEntity) PrintBelow(item, depth + 1);
     }
   }
 
-  void PrintLine(TSXRefId node, size_t depth, EKind kind) {
+  void PrintLine(TSXRefId node, size_t depth, EKind kind, std::string_view name) {
     // Beyond this the number alone says how deep a node is.
     constexpr size_t kDeepestIndent = 40;
-    std::string line = std::to_string(depth);
-    line.append(1 + 2 * std::min(depth, kDeepestIndent), ' ');
-    line += Coloured(kKindColour, KindName(kind));
+    m_Line = std::to_string(depth);
+    m_Line.append(1 + 2 * std::min(depth, kDeepestIndent), ' ');
+    Append(kKindColour, [&] { m_Line += KindName(kind); });
     if (HasName(kind)) {
-      line += ' ' + Coloured(kNameColour, Property(node, TSXGetNodeName).View());
+      m_Line += ' ';
+      Append(kNameColour, [&] { m_Line += name; });
     }
-    if (HasValue(kind)) line += ' ' + Value(Property(node, TSXGetNodeValue).View());
-    Print(line + Details(node, kind) + '\n');
+    if (HasValue(kind)) AppendValue(Property(node, TSXGetNodeValue));
+    AppendDetails(node, kind);
+    m_Line += '\n';
+    Print(m_Line);
   }
 
   // What only some kinds have.
-  std::string Details(TSXRefId node, EKind kind) {
+  void AppendDetails(TSXRefId node, EKind kind) {
     switch (kind) {
       case EKind::kAttribute:
-        return IsDefault(node) ? " default" : "";
+        if (IsDefault(node)) m_Line += " default";
+        return;
       case EKind::kDocumentType:
-        return Detail("public", node, TSXGetDocTypePublicID) +
-               Detail("system", node, TSXGetDocTypeSystemID);
+        AppendDetail("public", node, TSXGetDocTypePublicID);
+        return AppendDetail("system", node, TSXGetDocTypeSystemID);
       case EKind::kEntity:
-        return Detail("public", node, TSXGetEntityPublicId) +
-               Detail("system", node, TSXGetEntitySystemId) +
-               Detail("notation", node, TSXGetNotationName);
+        AppendDetail("public", node, TSXGetEntityPublicId);
+        AppendDetail("system", node, TSXGetEntitySystemId);
+        return AppendDetail("notation", node, TSXGetNotationName);
       case EKind::kNotation:
-        return Detail("public", node, TSXGetNotationPublicID) +
-               Detail("system", node, TSXGetNotationSystemID);
+        AppendDetail("public", node, TSXGetNotationPublicID);
+        return AppendDetail("system", node, TSXGetNotationSystemID);
       default:
-        return {};
+        return;
     }
+  }
+
+  static CText NameOf(TSXRefId node, EKind kind) {
+    return HasName(kind) ? Property(node, TSXGetNodeName) : CText();
+  }
+
+  static bool HasAttributes(TSXRefId element) {
+    uint8_t has = 0;
+    Require(TSXHasAttributes(element, &has), "element");
+    return has != 0;
   }
 
   static bool IsDefault(TSXRefId attribute) {
@@ -147,21 +163,28 @@ class CTreePrinter {
     return specified == 0;
   }
 
-  std::string Detail(std::string_view label, TSXRefId node, CStringGetter getter) {
+  void AppendDetail(std::string_view label, TSXRefId node, CStringGetter getter) {
     const CText text = Property(node, getter);
-    if (text.View().empty()) return {};
-    return ' ' + std::string(label) + ' ' + Value(text.View());
+    if (text.View().empty()) return;
+    (m_Line += ' ') += label;
+    AppendValue(text);
   }
 
-  std::string Value(std::string_view text) { return Coloured(kValueColour, Quoted(text)); }
+  void AppendValue(const CText& text) {
+    m_Line += ' ';
+    Append(kValueColour, [&] { AppendQuoted(m_Line, text.View()); });
+  }
 
-  std::string Coloured(const char* pColour, std::string_view text) {
-    if (!m_Colour) return std::string(text);
-    return std::string("\x1b[") + pColour + 'm' + std::string(text) + "\x1b[0m";
+  template <class What>
+  void Append(const char* pColour, What append) {
+    if (m_Colour) ((m_Line += "\x1b[") += pColour) += 'm';
+    append();
+    if (m_Colour) m_Line += "\x1b[0m";
   }
 
   bool m_Attributes;
   bool m_Colour;
+  std::string m_Line;
 };
 
 int RunTree(const CTreeOptions& options, const CClient& client) {
