@@ -1,0 +1,2 @@
+// Linked with the XML libraries, and done: what any program that uses them starts with.
+int main() {}
