@@ -150,7 +150,7 @@ class CWatchedStream final : public BinInputStream {
     m_HasReader = true;
     const XMLSize_t size = Next(pBytes, most);
     m_Position += size;
-    m_Units += m_Counter.Count(pBytes, size);
+    if (m_Watch.m_pLimits != nullptr) m_Units += m_Counter.Count(pBytes, size);
     return size;
   }
 
