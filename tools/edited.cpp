@@ -24,6 +24,22 @@ std::string EncodingOf(std::string_view bytes) {
   return std::string(declaration.substr(begin + 1, end - begin - 1));
 }
 
+bool IsDeclaration(std::string_view attribute) {
+  return attribute == "xmlns" || attribute.starts_with("xmlns:");
+}
+
+// Whether an edit of these nodes is one of what prefixes stand for.
+bool ConcernsDeclarations(const CEdit& edit, const CNodeArray& nodes) {
+  if (edit.m_Action == EAction::kSetAttribute) return IsDeclaration(edit.m_Name);
+  for (size_t i = 0; i < nodes.Size(); ++i) {
+    const TSXRefId node = nodes.At(i);
+    if (KindOf(node) == EKind::kAttribute && IsDeclaration(Property(node, TSXName).View())) {
+      return true;
+    }
+  }
+  return false;
+}
+
 }  // namespace
 
 // -- The text ------------------------------------------------------------------------
@@ -89,11 +105,15 @@ bool CEditedFile::ApplyTogether(const std::vector<CEdit>& edits) {
 }
 
 // A text that names other files may be beyond reach where it is no file itself: then the
-// edits are done again.
+// edits are done again. Names of a tree keep their namespace whatever is declared, so
+// declarations that give them another would be lost where the tree is written.
 void CEditedFile::ApplyEachConfirmed(const std::vector<CEdit>& edits) {
   for (auto edit = edits.begin(); edit != edits.end(); ++edit) {
     const bool isChanged = Change(*edit);
     if (isChanged && IsConfirmed()) continue;
+    if (isChanged && m_ConcernsDeclarations) {
+      throw CFailure(Line(m_Input.Name(), "names that stand there need the namespace declared"));
+    }
     m_Source.reset();
     if (!isChanged) continue;
     ReadInput();
@@ -105,6 +125,7 @@ void CEditedFile::ApplyEachConfirmed(const std::vector<CEdit>& edits) {
 bool CEditedFile::Change(const CEdit& edit) {
   std::optional<std::string> text;
   ::Apply(edit, m_Document, m_Input.Name(), [&](CNodeArray& nodes) {
+    m_ConcernsDeclarations = ConcernsDeclarations(edit, nodes);
     if (m_Source) text = Spliced(m_Source->Text(), edit, nodes, m_Source->Encoding());
   });
   return text && m_Source->SetText(*std::move(text));

@@ -54,6 +54,7 @@ class CEditedFile {
   CReadOptions m_Options;
   CDocument m_Document;
   std::optional<CSourceText> m_Source;
+  bool m_ConcernsDeclarations = false;  // the last edit
 };
 
 #endif

@@ -450,10 +450,12 @@ faults.xml:4:{4 + 3 * i}: entity 'z' not found
          err="tessel: apart.xml: nothing found: /r[count(text())=2]\n"),
     Case("edit --set-attribute //a i x --insert-last id('x') <b/> typed.xml", 0,
          FILES["typed.xml"].replace("<a/>", '<a i="x"><b/></a>')),
-    # The text would be another document: then the edits are done anew, each once.
-    Case("edit --insert-last /* <e/> --set-attribute /* xmlns urn:x --delete //d apart.xml", 0,
-         HEAD + "<r>a<!--c-->b<e/></r>",
-         re.compile(".*its text cannot be changed in part.*\n")),
+    # What names stand for stays.
+    *[Case(f"edit {edit} edit.xml", 1, err=refused("names that stand there need the namespace declared"))
+      for edit in ("--set-attribute /* xmlns urn:x", "--set //namespace::p urn:x",
+                   "--insert-last /* <e/> --delete //namespace::p --delete //comment()")],
+    Case("edit --set-attribute /* xmlns:q urn:q --insert-last /* <q:e/> edit.xml", 0,
+         edited(' k="1"', ' k="1" xmlns:q="urn:q"', "</r>", "<q:e/></r>")),
     Case("edit edit.xml", 2, err="at least one edit is required\n" + RUN_HELP),
     Case("edit --delete //x cat.xml edit.xml", 2, err=re.compile(f".*--in-place only\n{RUN_HELP}")),
     # Codes.
