@@ -145,7 +145,9 @@ class CSplicer {
     }
   }
 
+  // What is no element is refused when it comes to the tree.
   void SetAttribute(TSXRefId element) {
+    if (KindOf(element) != EKind::kElement) return;
     if (FindAttribute(TextOf(element), m_Edit.m_Name)) {
       return ChangeAttribute(element, m_Edit.m_Name);
     }

@@ -394,6 +394,11 @@ faults.xml:4:{4 + 3 * i}: entity 'z' not found
          err='tessel: edit.xml: "1" is no name that can stand here\n'),
     Case("set --attribute a edit.xml //comment() v", 1,
          err="tessel: edit.xml: a comment has no attributes\n"),
+    *[Case(["edit", *edit.split(), "apart.xml"], 1, err=f"tessel: apart.xml: a document {problem}\n")
+      for edit, problem in (("--set / x", "has no value that can be set"),
+                            ("--set-attribute / k x", "has no attributes"),
+                            ("--delete /", "cannot be deleted"),
+                            ("--rename / x", "has no name that can be changed"))],
     *[Case(["set", "edit.xml", expression, value], 1,
            err=refused("the value cannot stand in " + re.escape(problem)))
       for expression, value, problem in (
