@@ -40,6 +40,12 @@ bool ConcernsDeclarations(const CEdit& edit, const CNodeArray& nodes) {
   return false;
 }
 
+// Whether two texts, which are one when they are read, may stand side by side afterwards.
+bool MayJoinTexts(const CEdit& edit) {
+  return edit.m_Action == EAction::kDelete || edit.m_Action == EAction::kInsert ||
+         (edit.m_Action == EAction::kSet && edit.m_Value.empty());
+}
+
 }  // namespace
 
 // -- The text ------------------------------------------------------------------------
@@ -93,10 +99,11 @@ bool CEditedFile::CanBeReadAtTheEnd() const {
 // False, and everything as it was, where the edits have to be confirmed one by one.
 bool CEditedFile::ApplyTogether(const std::vector<CEdit>& edits) {
   const CSourceText before = *m_Source;
+  bool isNormal = true;
   const bool areChanged = std::ranges::all_of(edits, [&](const CEdit& edit) {
-    if (!Change(edit)) return false;
-    Require(TSXNormalize(m_Document.Get()), m_Input.Name());
-    return true;
+    if (!isNormal) Require(TSXNormalize(m_Document.Get()), m_Input.Name());
+    isNormal = !MayJoinTexts(edit);
+    return Change(edit);
   });
   if (areChanged && IsConfirmed()) return true;
   m_Source = before;
