@@ -6,7 +6,6 @@
 #include <map>
 #include <optional>
 #include <utility>
-#include <xercesc/framework/XMLGrammarPoolImpl.hpp>
 #include <xercesc/sax/HandlerBase.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
@@ -104,14 +103,15 @@ CChecker::CChecker(const CReadOptions& options, CReport report)
     : m_Options(options), m_Report(std::move(report)) {}
 
 void CChecker::AddSchema(const CInput& schema) {
-  if (m_pSchemas == nullptr) m_pSchemas = std::make_unique<xercesc::XMLGrammarPoolImpl>();
+  if (m_pSchemas == nullptr) m_pSchemas = std::make_unique<CLentGrammars>();
   Run(schema, &CCheckParser::ReadSchema);
 }
 
 void CChecker::Check(const CInput& input) { Run(input, &CCheckParser::Read); }
 
 void CChecker::Run(const CInput& input, CWork work) {
-  CCheckParser parser(m_pSchemas.get());
+  CLentGrammars own;
+  CCheckParser parser(m_pSchemas != nullptr ? *m_pSchemas : own, m_pSchemas != nullptr);
   const std::unique_ptr<xercesc::InputSource> source = parser.SourceOf(input, m_Options.m_Access);
   if (source == nullptr) throw CFailure(Line(input.Name(), "there is no current folder"));
   CReporter reporter(parser, input, UTF8(source->getSystemId()), m_Report);

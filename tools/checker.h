@@ -4,10 +4,10 @@
 
 #include <functional>
 #include <memory>
-#include <xercesc/framework/XMLGrammarPool.hpp>
 #include <xercesc/sax/InputSource.hpp>
 
 #include "document.h"
+#include "document/lentgrammars.h"
 #include "fault.h"
 
 class CCheckParser;
@@ -33,7 +33,7 @@ class CChecker {
 
   CReadOptions m_Options;
   CReport m_Report;
-  std::unique_ptr<xercesc::XMLGrammarPool> m_pSchemas;
+  std::unique_ptr<CLentGrammars> m_pSchemas;
 };
 
 #endif

@@ -36,9 +36,10 @@ bool IsUndeclared(unsigned int code, const XMLCh* pDomain) {
 }  // namespace
 
 // The base asks to be told of what handlers of its own were set for: here there are none.
-CCheckParser::CCheckParser(xercesc::XMLGrammarPool* pSchemas)
-    : SAXParser(nullptr, xercesc::XMLPlatformUtils::fgMemoryManager, pSchemas),
-      m_HasSchemas(pSchemas != nullptr),
+CCheckParser::CCheckParser(CLentGrammars& grammars, bool hasSchemas)
+    : SAXParser(nullptr, xercesc::XMLPlatformUtils::fgMemoryManager, &grammars),
+      m_Grammars(grammars),
+      m_HasSchemas(hasSchemas),
       m_Stop(Scanner()) {
   Scanner().setDocHandler(this);
   Scanner().setDocTypeHandler(this);
@@ -57,6 +58,7 @@ std::unique_ptr<InputSource> CCheckParser::SourceOf(const CInput& input, int32_t
 
 void CCheckParser::Begin() {
   m_Stop.Begin();
+  m_Inspector.Begin();
   m_Prefixes.Begin();
   m_Schemas.clear();
   m_Grammar = m_HasSchemas ? EGrammar::kNamed : EGrammar::kNone;
@@ -64,6 +66,7 @@ void CCheckParser::Begin() {
 
 void CCheckParser::Read(const InputSource& source) {
   const CExpansionLimits::CLoad load(m_Limits);
+  const CSchemaLimits::CLoad patterns(m_SchemaLimits);
   Begin();
   parse(source);
   m_Resolver.Lost().Free();
@@ -72,9 +75,13 @@ void CCheckParser::Read(const InputSource& source) {
 // Several schemas may be of one namespace.
 void CCheckParser::ReadSchema(const InputSource& source) {
   const CExpansionLimits::CLoad load(m_Limits);
+  const CSchemaLimits::CLoad patterns(m_SchemaLimits);
   Begin();
   setHandleMultipleImports(true);
-  loadGrammar(source, xercesc::Grammar::SchemaGrammarType, true);
+  const auto schema =
+      m_Inspector.Watch(std::make_unique<COpenSource>(source.getSystemId(), source.makeStream()));
+  loadGrammar(*schema, xercesc::Grammar::SchemaGrammarType, true);
+  LimitPatterns(m_Grammars);
 }
 
 InputSource* CCheckParser::resolveEntity(xercesc::XMLResourceIdentifier* pResource) {
@@ -86,7 +93,8 @@ InputSource* CCheckParser::resolveEntity(xercesc::XMLResourceIdentifier* pResour
       pResource->getResourceIdentifierType() == xercesc::XMLResourceIdentifier::ExternalEntity) {
     return source.release();
   }
-  return OpenedSchema(std::move(source), pResource->getSystemId()).release();
+  source = OpenedSchema(std::move(source), pResource->getSystemId());
+  return m_Inspector.Watch(std::move(source), [this] { LimitPatterns(Scanner()); }).release();
 }
 
 // The parser goes on without a schema that is not there, and finds fault with every element.
@@ -130,6 +138,7 @@ void CCheckParser::startElement(const xercesc::XMLElementDecl& declaration, unsi
   m_Stop.RequireGoing();
   m_Limits.RequireFewExpansions();
   m_Limits.CountDefaults(attributes, count);
+  m_SchemaLimits.AllowValues(count + 1);
   FreeTables(Scanner(), count);
   if (getDoNamespaces()) {
     m_Prefixes.Enter(Scanner(), pPrefix, attributes, count);

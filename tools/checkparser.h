@@ -6,19 +6,21 @@
 #include <memory>
 #include <set>
 #include <string>
-#include <xercesc/framework/XMLGrammarPool.hpp>
 #include <xercesc/parsers/SAXParser.hpp>
 
 #include "document/externalresolver.h"
+#include "document/lentgrammars.h"
 #include "document/prefixscope.h"
+#include "document/schemainspector.h"
+#include "document/schemalimits.h"
 #include "input.h"
 
 // Reads beside the document, and lets it expand, as the library's own parser does: its
 // rules are compiled into the client.
 class CCheckParser final : public xercesc::SAXParser {
  public:
-  // With schemas that count beside those that documents name, or null.
-  explicit CCheckParser(xercesc::XMLGrammarPool* pSchemas);
+  // With an empty pool, or with schemas that count beside those that documents name.
+  CCheckParser(CLentGrammars& grammars, bool hasSchemas);
 
   // The stream of an input, and what is read from it.
   std::unique_ptr<xercesc::InputSource> SourceOf(const CInput& input, int32_t access);
@@ -55,12 +57,15 @@ class CCheckParser final : public xercesc::SAXParser {
   std::unique_ptr<xercesc::InputSource> OpenedSchema(std::unique_ptr<xercesc::InputSource> source,
                                                      const XMLCh* pName);
 
+  CLentGrammars& m_Grammars;
   bool m_HasSchemas;
   EGrammar m_Grammar = EGrammar::kNone;
   std::set<std::u16string> m_Schemas;  // that were opened, by their names
   CLoadStop m_Stop;
   CExpansionLimits m_Limits{m_Stop};
+  CSchemaLimits m_SchemaLimits{m_Stop};
   CExternalResolver m_Resolver{m_Stop, m_Limits};
+  CSchemaInspector m_Inspector{m_Stop, m_Limits, m_SchemaLimits, m_Resolver};
   CPrefixScope m_Prefixes;
 };
 

@@ -44,7 +44,10 @@ extern "C" {
  *   with validation, a content model of more names than the calling thread's stack
  *   has room for, at 208 bytes each after a reserve of 64 KB: 900 on 256 KB,
  *   40,000 on 8 MB
- * A schema has no such limits: load none from strangers. */
+ *   with schemas, a value that a pattern matches by more stack than the calling thread
+ *   has, or patterns that take too many steps (SECURITY.md has the figures)
+ *   with schemas, types, elements and groups nested too deep for that stack
+ * Even so a schema can take time and memory without end: load none from strangers. */
 
 /* Reads a file into a document and replaces its tree; the document id and the
  * parser's options stay. The new tree is what the parser produced, also when it

@@ -3,6 +3,8 @@
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/internal/ReaderMgr.hpp>
 
+#include "document/oneline.h"
+
 using xercesc::InputSource;
 using xercesc::XMLResourceIdentifier;
 
@@ -10,7 +12,6 @@ namespace {
 
 // Longer names take the parser a time that grows with the square.
 constexpr size_t kLongestName = 8192;
-constexpr size_t kLongestInMessage = 500;  // UTF-16 units
 
 // The parser asks for a document type with the very base that its place in the text has,
 // and for an entity with a base that the declaration keeps.
@@ -18,15 +19,6 @@ bool IsDocumentType(const XMLResourceIdentifier& resource) {
   return resource.getResourceIdentifierType() == XMLResourceIdentifier::ExternalEntity &&
          resource.getLocator() != nullptr &&
          resource.getBaseURI() == resource.getLocator()->getSystemId();
-}
-
-std::u16string InOneLine(const XMLCh* pName) {
-  std::u16string line(pName);
-  if (line.size() > kLongestInMessage) line = line.substr(0, kLongestInMessage) + u"...";
-  for (char16_t& unit : line) {
-    if (unit < u' ') unit = u' ';
-  }
-  return line;
 }
 
 CPlaceOfName Empty(const XMLCh* pName) {
@@ -51,6 +43,27 @@ std::unique_ptr<InputSource> CExternalResolver::Resolve(const XMLResourceIdentif
   if (pName == nullptr) return nullptr;
   const bool isDocumentType = IsDocumentType(resource);
   const CWatch watch = WatchOf(resource, isDocumentType);
+  const bool isNeeded = !isDocumentType || needsDocumentType;
+  const bool isEntity =
+      resource.getResourceIdentifierType() == XMLResourceIdentifier::ExternalEntity;
+  if (m_pReplays == nullptr || !isEntity) return Open(resource, isNeeded, watch);
+  CPlaceOfName place;
+  place.m_pSource = std::make_unique<CReplaySource>(ReplayOf(resource, isNeeded));
+  return std::make_unique<CExternalSource>(std::move(place), CAnswer{nullptr, true, {}}, watch);
+}
+
+CReplay& CExternalResolver::ReplayOf(const XMLResourceIdentifier& resource, bool isNeeded) {
+  const XMLCh* pBase = resource.getBaseURI();
+  CReplays::key_type name{pBase != nullptr ? pBase : u"", resource.getSystemId()};
+  const auto found = m_pReplays->find(name);
+  if (found != m_pReplays->end()) return found->second;
+  CReplay replay(Open(resource, isNeeded, CWatch()));
+  return m_pReplays->emplace(std::move(name), std::move(replay)).first->second;
+}
+
+std::unique_ptr<InputSource> CExternalResolver::Open(const XMLResourceIdentifier& resource,
+                                                     bool isNeeded, const CWatch& watch) {
+  const XMLCh* pName = resource.getSystemId();
   CPlaceOfName place;
   CAnswer answer{u"its name is too long", false, {}};
   if (xercesc::XMLString::stringLen(pName) <= kLongestName) {
@@ -59,7 +72,7 @@ std::unique_ptr<InputSource> CExternalResolver::Resolve(const XMLResourceIdentif
     answer = place.m_IsFile ? m_Policy.AskForFile(place.m_Path) : m_Policy.AskForNetwork();
   }
   if (answer.m_pRefusal != nullptr) {
-    if (!isDocumentType || needsDocumentType) Refuse(pName, answer.m_pRefusal);
+    if (isNeeded) Refuse(pName, answer.m_pRefusal);
     place = Empty(pName);
     answer = CAnswer{nullptr, true, {}};
   }

@@ -8,6 +8,7 @@
 #include "document/accesspolicy.h"
 #include "document/externalsource.h"
 #include "document/loadstop.h"
+#include "document/replaysource.h"
 #include "document/seenfiles.h"
 
 // Everything that a parser reads beside its document is asked for here by name, also by
@@ -35,13 +36,21 @@ class CExternalResolver {
 
   CLostEntities& Lost() { return *m_pLost; }
 
+  // Entities are opened once for as long as `pReplays` is set, and read as they were then.
+  void SetReplays(CReplays* pReplays) { m_pReplays = pReplays; }
+  CReplays* Replays() const { return m_pReplays; }
+
  private:
+  std::unique_ptr<xercesc::InputSource> Open(const xercesc::XMLResourceIdentifier& resource,
+                                             bool isNeeded, const CWatch& watch);
+  CReplay& ReplayOf(const xercesc::XMLResourceIdentifier& resource, bool isNeeded);
   CWatch WatchOf(const xercesc::XMLResourceIdentifier& resource, bool isDocumentType);
   void Refuse(const XMLCh* pName, const char16_t* pReason);
 
   CLoadStop& m_Stop;
   CExpansionLimits& m_Limits;
   CSeenFiles* m_pSeen;
+  CReplays* m_pReplays = nullptr;
   CAccessPolicy m_Policy;
   std::shared_ptr<CLostEntities> m_pLost = std::make_shared<CLostEntities>();
 };

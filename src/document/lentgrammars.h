@@ -4,6 +4,8 @@
 #include <xercesc/framework/XMLGrammarPoolImpl.hpp>
 #include <xercesc/util/StringPool.hpp>
 
+#include "document/schemalimits.h"
+
 // The scanner keeps the numbers of five names from parse to parse, so every pool of names
 // gives these the same.
 void AddConstantNames(xercesc::XMLStringPool& names);
@@ -22,14 +24,17 @@ class CLentGrammars final : public xercesc::XMLGrammarPoolImpl {
   xercesc::XMLStringPool* getURIStringPool() override { return &m_Names; }
 
  private:
-  // Passes each question on.
+  // Passes each question on. While a grammar is made, there is one on every level.
   class CNames final : public xercesc::XMLStringPool {
    public:
     explicit CNames(xercesc::MemoryManager* pManager) : XMLStringPool(1, pManager) {}
 
     void Use(xercesc::XMLStringPool& names) { m_pNames = &names; }
 
-    unsigned int addOrFind(const XMLCh* pName) override { return m_pNames->addOrFind(pName); }
+    unsigned int addOrFind(const XMLCh* pName) override {
+      CSchemaLimits::RequireStack();
+      return m_pNames->addOrFind(pName);
+    }
     bool exists(const XMLCh* pName) const override { return m_pNames->exists(pName); }
     bool exists(unsigned int id) const override { return m_pNames->exists(id); }
     unsigned int getId(const XMLCh* pName) const override { return m_pNames->getId(pName); }

@@ -12,9 +12,12 @@ using xercesc::XMLUni;
 CSchemaReader::CSchemaReader(xercesc::XMLGrammarPool& grammars, const CSchemaOrder& order,
                              CSeenFiles& seen, std::vector<CSchemaFault>& faults)
     : XercesDOMParser(nullptr, xercesc::XMLPlatformUtils::fgMemoryManager, &grammars),
+      m_Grammars(grammars),
       m_Stop(*getScanner()),
       m_Limits(m_Stop),
+      m_SchemaLimits(m_Stop),
       m_Resolver(m_Stop, m_Limits, &seen),
+      m_Inspector(m_Stop, m_Limits, m_SchemaLimits, m_Resolver),
       m_Seen(seen),
       m_Faults(faults) {
   getScanner()->setEntityHandler(this);
@@ -30,15 +33,19 @@ CSchemaReader::CSchemaReader(xercesc::XMLGrammarPool& grammars, const CSchemaOrd
 
 void CSchemaReader::Read(const CNamedSchema& schema) {
   const CExpansionLimits::CLoad load(m_Limits);
+  const CSchemaLimits::CLoad patterns(m_SchemaLimits);
   m_pSchema = &schema;
   m_Stop.Begin();
+  m_Inspector.Begin();
   CPlaceOfName place =
       CPlaceOfName::InDocument(XMLUni::fgZeroLenString, schema.m_WholeName.c_str());
   place.NoteIn(m_Seen);
   m_Resolver.Policy().SetDocument(place.m_Path);
-  const CExternalSource source(std::move(place), CAnswer{nullptr, true, {}}, CWatch());
+  const auto source = m_Inspector.Watch(
+      std::make_unique<CExternalSource>(std::move(place), CAnswer{nullptr, true, {}}, CWatch()));
   const std::size_t faults = m_Faults.size();
-  const Grammar* pGrammar = loadGrammar(source, Grammar::SchemaGrammarType, true);
+  const Grammar* pGrammar = loadGrammar(*source, Grammar::SchemaGrammarType, true);
+  LimitPatterns(m_Grammars);
   if (m_Faults.size() != faults) return;
   if (pGrammar == nullptr) {
     AddFault(schema.m_Name, u"it cannot be read");
@@ -51,7 +58,10 @@ void CSchemaReader::Read(const CNamedSchema& schema) {
 
 xercesc::InputSource* CSchemaReader::resolveEntity(xercesc::XMLResourceIdentifier* pResource) {
   m_Stop.RequireGoing();
-  return m_Resolver.Resolve(*pResource, false).release();
+  auto source = m_Resolver.Resolve(*pResource, false);
+  const bool isEntity =
+      pResource->getResourceIdentifierType() == xercesc::XMLResourceIdentifier::ExternalEntity;
+  return (isEntity ? std::move(source) : m_Inspector.Watch(std::move(source))).release();
 }
 
 // Warnings are passed over, as in a document.

@@ -6,6 +6,8 @@
 #include "document/expansionlimits.h"
 #include "document/externalresolver.h"
 #include "document/loadstop.h"
+#include "document/schemainspector.h"
+#include "document/schemalimits.h"
 #include "document/schemaset.h"
 
 // A parser of its own, so that errors have a name and what schemas name obeys rules of its
@@ -27,9 +29,12 @@ class CSchemaReader final : public xercesc::XercesDOMParser {
   void AddFault(const std::u16string& name, const std::u16string& text, XMLFileLoc line = 0,
                 XMLFileLoc column = 0);
 
+  xercesc::XMLGrammarPool& m_Grammars;
   CLoadStop m_Stop;
   CExpansionLimits m_Limits;
+  CSchemaLimits m_SchemaLimits;
   CExternalResolver m_Resolver;
+  CSchemaInspector m_Inspector;
   CSeenFiles& m_Seen;
   std::vector<CSchemaFault>& m_Faults;
   const CNamedSchema* m_pSchema = nullptr;  // that is read

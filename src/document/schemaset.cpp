@@ -6,7 +6,6 @@
 #include <mutex>
 #include <xercesc/framework/XMLSchemaDescription.hpp>
 
-#include "document/lentgrammars.h"
 #include "document/schemareader.h"
 
 namespace {
@@ -16,8 +15,7 @@ constexpr unsigned int kMostNames = 10000;
 
 }  // namespace
 
-CSchemaSet::CSchemaSet(CSchemaOrder order)
-    : m_Order(std::move(order)), m_Grammars(xercesc::XMLPlatformUtils::fgMemoryManager) {
+CSchemaSet::CSchemaSet(CSchemaOrder order) : m_Order(std::move(order)) {
   AddConstantNames(*m_Grammars.getURIStringPool());
   CSchemaReader reader(m_Grammars, m_Order, m_Seen, m_Faults);
   for (const CNamedSchema& schema : m_Order.m_Schemas) {

@@ -4,9 +4,9 @@
 #include <memory>
 #include <string>
 #include <vector>
-#include <xercesc/framework/XMLGrammarPoolImpl.hpp>
 #include <xercesc/util/XercesDefs.hpp>
 
+#include "document/lentgrammars.h"
 #include "document/seenfiles.h"
 
 // A schema as the host names it.
@@ -54,7 +54,7 @@ class CSchemaSet {
  private:
   const CSchemaOrder m_Order;
   CSeenFiles m_Seen;
-  xercesc::XMLGrammarPoolImpl m_Grammars;
+  CLentGrammars m_Grammars;
   std::vector<CSchemaFault> m_Faults;
 };
 

@@ -14,14 +14,18 @@ CTreeParser::CTreeParser()
     : CBuilder(nullptr, &dom::NodeMemory(), &m_Schemas.Grammars()),
       m_Stop(*getScanner()),
       m_Limits(m_Stop),
-      m_Resolver(m_Stop, m_Limits) {
+      m_SchemaLimits(m_Stop),
+      m_Resolver(m_Stop, m_Limits),
+      m_Inspector(m_Stop, m_Limits, m_SchemaLimits, m_Resolver) {
   getScanner()->setEntityHandler(this);
 }
 
 template <class Source>
 void CTreeParser::Parse(const Source& source, const XMLCh* pName) {
   const CExpansionLimits::CLoad load(m_Limits);
+  const CSchemaLimits::CLoad patterns(m_SchemaLimits);
   m_Stop.Begin();
+  m_Inspector.Begin();
   m_Prefixes.Begin();
   m_Names.Begin();
   m_Encoding.clear();
@@ -55,9 +59,15 @@ void CTreeParser::error(unsigned int code, const XMLCh* pDomain, ErrTypes type, 
 
 xercesc::InputSource* CTreeParser::resolveEntity(xercesc::XMLResourceIdentifier* pResource) {
   m_Stop.RequireGoing();
-  const bool isSchema =
-      pResource->getResourceIdentifierType() != xercesc::XMLResourceIdentifier::ExternalEntity;
-  if (isSchema) m_Schemas.OnSchemaOfDocument();
+  using xercesc::XMLResourceIdentifier;
+  const auto type = pResource->getResourceIdentifierType();
+  if (type != XMLResourceIdentifier::ExternalEntity) {
+    m_Schemas.OnSchemaOfDocument();
+    auto source = m_Resolver.Resolve(*pResource, false);
+    if (type != XMLResourceIdentifier::SchemaGrammar)
+      return m_Inspector.Watch(std::move(source)).release();
+    return m_Inspector.Watch(std::move(source), [this] { LimitPatterns(*getScanner()); }).release();
+  }
   // The parser of a schema, which has a place of its own, never validates either.
   const bool needsDocumentType =
       pResource->getLocator() == getScanner()->getLocator() && getValidationScheme() != Val_Never;
@@ -127,6 +137,7 @@ void CTreeParser::startElement(const xercesc::XMLElementDecl& declaration, unsig
   m_Stop.RequireGoing();
   m_Limits.RequireFewExpansions();
   m_Limits.CountDefaults(attributes, attributeCount);
+  m_SchemaLimits.AllowValues(attributeCount + 1);
   NeedRoom(attributeCount + 1);
   FreeTables(*getScanner(), attributeCount);
   if (getDoNamespaces()) {

@@ -11,6 +11,8 @@
 #include "document/namedschemas.h"
 #include "document/positions.h"
 #include "document/prefixscope.h"
+#include "document/schemainspector.h"
+#include "document/schemalimits.h"
 #include "document/sourcecapture.h"
 #include "dom/builder.h"
 #include "dom/hashroom.h"
@@ -101,7 +103,9 @@ class CTreeParser final : private CSchemasOfParser, public dom::CBuilder {
 
   CLoadStop m_Stop;
   CExpansionLimits m_Limits;
+  CSchemaLimits m_SchemaLimits;
   CExternalResolver m_Resolver;
+  CSchemaInspector m_Inspector;
   CPrefixScope m_Prefixes;
   dom::CNameRoom m_Names;
   CSourceCapture m_Capture;
