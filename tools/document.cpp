@@ -39,7 +39,7 @@ CSourceLines SourceOf(const CInput& input) {
 }
 
 // The writer leaves out the mark that a file in UTF-16 must begin with.
-std::string ByteOrderMark(const std::string& encoding, std::string_view xml) {
+std::string_view ByteOrderMark(const std::string& encoding, std::string_view xml) {
   if (encoding != "UTF-16" && encoding != "utf-16") return {};
   constexpr std::string_view kLittle("<\0", 2);
   constexpr std::string_view kBig("\0<", 2);
@@ -108,9 +108,14 @@ CText DocumentText(const CDocument& document, const std::string& file, bool pret
   return xml;
 }
 
-std::string WriteDocument(const CDocument& document, const std::string& file, bool pretty) {
-  const CText xml = DocumentText(document, file, pretty);
-  return ByteOrderMark(NamedEncoding(document), xml.View()).append(xml.View());
+CWritten::CWritten(CText text, std::string_view mark) : m_Text(std::move(text)), m_Marked(mark) {
+  if (!m_Marked.empty()) m_Marked += m_Text.View();
+}
+
+CWritten WriteDocument(const CDocument& document, const std::string& file, bool pretty) {
+  CText xml = DocumentText(document, file, pretty);
+  const std::string_view mark = ByteOrderMark(NamedEncoding(document), xml.View());
+  return CWritten(std::move(xml), mark);
 }
 
 void SetEncoding(const CDocument& document, const std::string& encoding) {

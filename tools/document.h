@@ -39,8 +39,18 @@ CDocument ReadDocument(const std::string& file, const CClient& client, CReadOpti
 
 // The document as XML text in its own encoding.
 CText DocumentText(const CDocument& document, const std::string& file, bool pretty = false);
-// The same as a file would hold it.
-std::string WriteDocument(const CDocument& document, const std::string& file, bool pretty = false);
+// The same as a file would hold it. Only a text with a mark is a copy.
+class CWritten {
+ public:
+  CWritten(CText text, std::string_view mark);
+
+  std::string_view Bytes() const { return m_Marked.empty() ? m_Text.View() : m_Marked; }
+
+ private:
+  CText m_Text;
+  std::string m_Marked;
+};
+CWritten WriteDocument(const CDocument& document, const std::string& file, bool pretty = false);
 
 // The encoding that the document declares or was given; empty for none.
 std::string NamedEncoding(const CDocument& document);

@@ -158,5 +158,6 @@ void CEditedFile::ReadInput() {
 
 CSharedText CEditedFile::Bytes() const {
   return m_Source ? m_Source->Bytes()
-                  : std::make_shared<const std::string>(WriteDocument(m_Document, m_Input.Name()));
+                  : std::make_shared<const std::string>(
+                        WriteDocument(m_Document, m_Input.Name()).Bytes());
 }

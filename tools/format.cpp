@@ -39,7 +39,7 @@ bool HasMark(std::string_view xml) {
 }
 
 // The layout is the client's own, in UTF-8, and the rest the library's.
-std::string LaidOut(const std::string& xml, const CDocument& document,
+std::string LaidOut(std::string_view xml, const CDocument& document,
                     const CFormatOptions& options) {
   const std::string encoding = EncodingOfText(document, xml);
   if (IsUTF8(encoding)) return LayOut(xml, options);
@@ -59,8 +59,12 @@ std::string LaidOut(const std::string& xml, const CDocument& document,
 int RunFormat(const CFormatOptions& options, const CClient& client) {
   const CDocument document = ReadDocument(options.m_File, client);
   if (!options.m_Encoding.empty()) SetEncoding(document, options.m_Encoding);
-  const std::string xml = WriteDocument(document, options.m_File, options.m_Pretty);
-  WriteResult(options.m_Output, options.IsLaidOut() ? LaidOut(xml, document, options) : xml);
+  const CWritten xml = WriteDocument(document, options.m_File, options.m_Pretty);
+  if (options.IsLaidOut()) {
+    WriteResult(options.m_Output, LaidOut(xml.Bytes(), document, options));
+  } else {
+    WriteResult(options.m_Output, xml.Bytes());
+  }
   return kDone;
 }
 
