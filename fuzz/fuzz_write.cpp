@@ -150,6 +150,18 @@ void RequireEqual(const std::string& got, const std::string& wanted, const char*
     fuzz::Fail(std::string(pWhat) + "\n--- got\n" + got + "\n--- wanted\n" + wanted);
 }
 
+// The text without the declarations of the default namespace, whatever unit the encoding has.
+// Below a prefixed element the XML library declares the default anew before the attributes
+// and leaves out the declaration that stands among them, which ours keeps at its place.
+std::string WithoutDefaults(std::string text) {
+  constexpr std::string_view kStart = " xmlns=\"";
+  std::erase(text, '\0');
+  for (size_t at = 0; (at = text.find(kStart, at)) != std::string::npos;) {
+    text.erase(at, text.find('"', at + kStart.size()) + 1 - at);
+  }
+  return text;
+}
+
 // What the XML library's own writer makes of it; empty where it gives up.
 std::string ByXerces(const xercesc::DOMDocument& document) {
   auto* pImplementation = document.getImplementation();
@@ -190,6 +202,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t size) {
   if (options.m_IsPretty) return 0;
   const std::string theirs = ByXerces(first.Tree());
   const CLoaded third(theirs, options);
-  if (third.IsGood() && third.Seen(options) == seen) RequireEqual(text, theirs, "other bytes");
+  if (third.IsGood() && third.Seen(options) == seen) {
+    RequireEqual(WithoutDefaults(text), WithoutDefaults(theirs), "other bytes");
+  }
   return 0;
 }
