@@ -1,12 +1,10 @@
 #include "document/lentgrammars.h"
 
 #include <initializer_list>
-#include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLUni.hpp>
 #include <xercesc/validators/schema/SchemaSymbols.hpp>
 
 using xercesc::SchemaSymbols;
-using xercesc::XMLPlatformUtils;
 using xercesc::XMLUni;
 
 void AddConstantNames(xercesc::XMLStringPool& names) {
@@ -17,9 +15,8 @@ void AddConstantNames(xercesc::XMLStringPool& names) {
   }
 }
 
-CLentGrammars::CLentGrammars()
-    : XMLGrammarPoolImpl(XMLPlatformUtils::fgMemoryManager),
-      m_Names(XMLPlatformUtils::fgMemoryManager) {
+CLentGrammars::CLentGrammars(xercesc::MemoryManager& memory)
+    : XMLGrammarPoolImpl(&memory), m_Names(&memory) {
   Lend(nullptr);
 }
 

@@ -14,7 +14,7 @@ void AddConstantNames(xercesc::XMLStringPool& names);
 // with it: both are asked in the place of the parser's own.
 class CLentGrammars final : public xercesc::XMLGrammarPoolImpl {
  public:
-  CLentGrammars();
+  explicit CLentGrammars(xercesc::MemoryManager& memory);
 
   // Null for none. Outlives the loan.
   void Lend(xercesc::XMLGrammarPool* pGrammars);

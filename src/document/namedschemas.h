@@ -11,6 +11,8 @@
 
 class CNamedSchemas {
  public:
+  explicit CNamedSchemas(xercesc::MemoryManager& memory) : m_Grammars(memory) {}
+
   // As the host sets them.
   std::u16string m_Pairs;        // of namespace and place, by white space
   std::u16string m_NoNamespace;  // a place, blanks and all

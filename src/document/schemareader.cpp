@@ -9,9 +9,10 @@ using xercesc::XMLErrs;
 using xercesc::XMLString;
 using xercesc::XMLUni;
 
-CSchemaReader::CSchemaReader(xercesc::XMLGrammarPool& grammars, const CSchemaOrder& order,
-                             CSeenFiles& seen, std::vector<CSchemaFault>& faults)
-    : XercesDOMParser(nullptr, xercesc::XMLPlatformUtils::fgMemoryManager, &grammars),
+CSchemaReader::CSchemaReader(xercesc::MemoryManager& memory, xercesc::XMLGrammarPool& grammars,
+                             const CSchemaOrder& order, CSeenFiles& seen,
+                             std::vector<CSchemaFault>& faults)
+    : XercesDOMParser(nullptr, &memory, &grammars),
       m_Grammars(grammars),
       m_Stop(*getScanner()),
       m_Limits(m_Stop),

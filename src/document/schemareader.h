@@ -15,8 +15,8 @@
 // its folder, or to itself, the schema is kept to the schema's folder.
 class CSchemaReader final : public xercesc::XercesDOMParser {
  public:
-  CSchemaReader(xercesc::XMLGrammarPool& grammars, const CSchemaOrder& order, CSeenFiles& seen,
-                std::vector<CSchemaFault>& faults);
+  CSchemaReader(xercesc::MemoryManager& memory, xercesc::XMLGrammarPool& grammars,
+                const CSchemaOrder& order, CSeenFiles& seen, std::vector<CSchemaFault>& faults);
 
   void Read(const CNamedSchema& schema);
 

@@ -17,7 +17,7 @@ constexpr unsigned int kMostNames = 10000;
 
 CSchemaSet::CSchemaSet(CSchemaOrder order) : m_Order(std::move(order)) {
   AddConstantNames(*m_Grammars.getURIStringPool());
-  CSchemaReader reader(m_Grammars, m_Order, m_Seen, m_Faults);
+  CSchemaReader reader(m_Memory, m_Grammars, m_Order, m_Seen, m_Faults);
   for (const CNamedSchema& schema : m_Order.m_Schemas) {
     if (!Has(schema.m_Namespace)) reader.Read(schema);
   }

@@ -7,6 +7,7 @@
 #include <xercesc/util/XercesDefs.hpp>
 
 #include "document/lentgrammars.h"
+#include "document/parsermemory.h"
 #include "document/seenfiles.h"
 
 // A schema as the host names it.
@@ -54,7 +55,8 @@ class CSchemaSet {
  private:
   const CSchemaOrder m_Order;
   CSeenFiles m_Seen;
-  CLentGrammars m_Grammars;
+  CParserMemory m_Memory;
+  CLentGrammars m_Grammars{m_Memory};
   std::vector<CSchemaFault> m_Faults;
 };
 

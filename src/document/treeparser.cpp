@@ -7,11 +7,10 @@
 #include "document/positionfinder.h"
 #include "document/scannertables.h"
 #include "dom/look.h"
-#include "dom/pieces.h"
 #include "host/guards.h"
 
 CTreeParser::CTreeParser()
-    : CBuilder(nullptr, &dom::NodeMemory(), &m_Schemas.Grammars()),
+    : CBuilder(nullptr, &m_Memory, &m_Schemas.Grammars()),
       m_Stop(*getScanner()),
       m_Limits(m_Stop),
       m_SchemaLimits(m_Stop),

@@ -9,6 +9,7 @@
 #include "document/externalresolver.h"
 #include "document/loadstop.h"
 #include "document/namedschemas.h"
+#include "document/parsermemory.h"
 #include "document/positions.h"
 #include "document/prefixscope.h"
 #include "document/schemainspector.h"
@@ -18,9 +19,10 @@
 #include "dom/hashroom.h"
 
 // What a parser is made with, and what hence outlives it.
-class CSchemasOfParser {
+class CPartsOfParser {
  protected:
-  CNamedSchemas m_Schemas;
+  CParserMemory m_Memory;
+  CNamedSchemas m_Schemas{m_Memory};
 };
 
 // Ends in a fatal error, before it happens, what would fill the memory or the stack, and
@@ -30,7 +32,7 @@ class CSchemasOfParser {
 // copied by recursion when the entity node is first looked into, by whichever thread:
 // so its depth has a fixed limit. A content model becomes an automaton by recursion
 // during the load, so its depth is bounded by the stack of the loading thread.
-class CTreeParser final : private CSchemasOfParser, public dom::CBuilder {
+class CTreeParser final : private CPartsOfParser, public dom::CBuilder {
  public:
   // Elements and references, from the outermost reference on.
   static constexpr std::size_t kMostInEntity = 250;

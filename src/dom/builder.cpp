@@ -9,7 +9,9 @@
 #include "dom/builtnodes.h"
 #include "dom/edit.h"
 #include "dom/look.h"
+#include "dom/pieces.h"
 
+using xercesc::DOMDocumentImpl;
 using xercesc::DOMElementImpl;
 using xercesc::DOMElementNSImpl;
 using xercesc::DOMMemoryManager;
@@ -29,8 +31,15 @@ std::size_t SlotOf(const XMLElementDecl& declaration) {
 
 // -- Elements ---------------------------------------------------------------------
 
+// As the base, except that the document does not live in the memory of the parser, since it
+// outlives it.
 void CBuilder::startDocument() {
-  XercesDOMParser::startDocument();
+  auto* pImplementation = xercesc::DOMImplementation::getImplementation();
+  fDocument = static_cast<DOMDocumentImpl*>(pImplementation->createDocument(&NodeMemory()));
+  fCurrentParent = fCurrentNode = fDocument;
+  fDocument->setErrorChecking(false);
+  fDocument->setDocumentURI(fScanner->getLocator()->getSystemId());
+  fDocument->setInputEncoding(fScanner->getReaderMgr()->getCurrentEncodingStr());
   m_Names.Start(*fDocument);
   m_pLastNamespace = nullptr;
   m_InType.clear();
