@@ -15,21 +15,21 @@ namespace {
 constinit std::atomic<bool> g_Armed{false};
 constinit std::atomic<bool> g_Moving{false};
 
-constinit std::mutex g_Mutex;
-// Guarded by g_Mutex: the requests up to and including the first refused one, and
+constinit std::mutex g_FaultMutex;
+// Guarded by g_FaultMutex: the requests up to and including the first refused one, and
 // whether it is also the last.
 constinit int64_t g_Remaining = 0;
 constinit bool g_Once = false;
 
 void Arm(int64_t n, bool once) {
-  const std::lock_guard lock(g_Mutex);
+  const std::lock_guard lock(g_FaultMutex);
   g_Remaining = n;
   g_Once = once;
   g_Armed.store(n > 0, std::memory_order_relaxed);
 }
 
 bool IsDue() {
-  const std::lock_guard lock(g_Mutex);
+  const std::lock_guard lock(g_FaultMutex);
   if (!g_Armed.load(std::memory_order_relaxed)) return false;
   if (g_Remaining > 1) {
     --g_Remaining;

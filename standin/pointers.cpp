@@ -14,11 +14,11 @@ struct alignas(std::max_align_t) SPointer {
   SPointer* pNext;
 };
 
-constinit std::mutex g_Mutex;
-constinit SPointer* g_pFirst = nullptr;  // guarded by g_Mutex
+constinit std::mutex g_PointerMutex;
+constinit SPointer* g_pFirst = nullptr;  // guarded by g_PointerMutex
 
 SPointer* DetachAll() {
-  const std::lock_guard lock(g_Mutex);
+  const std::lock_guard lock(g_PointerMutex);
   SPointer* pAll = g_pFirst;
   g_pFirst = nullptr;
   return pAll;
@@ -34,7 +34,7 @@ void* HostNewPtrClear(size_t size) {
   auto* pPointer = static_cast<SPointer*>(std::calloc(1, sizeof(SPointer) + size));
   if (pPointer == nullptr) return nullptr;
   Count(ECounter::Pointers, 1);
-  const std::lock_guard lock(g_Mutex);
+  const std::lock_guard lock(g_PointerMutex);
   pPointer->pNext = g_pFirst;
   g_pFirst = pPointer;
   return pPointer + 1;

@@ -5,10 +5,10 @@
 namespace {
 
 // The stack of elements is protected.
-class CScannerParts : private xercesc::XMLScanner {
+class CElementsOfScanner : private xercesc::XMLScanner {
  public:
   static xercesc::ElemStack& Elements(xercesc::XMLScanner& scanner) {
-    return scanner.*(&CScannerParts::fElemStack);
+    return scanner.*(&CElementsOfScanner::fElemStack);
   }
 };
 
@@ -30,7 +30,7 @@ void CPrefixScope::Enter(xercesc::XMLScanner& scanner, const XMLCh* pPrefix,
   for (XMLSize_t i = 0; i < count; ++i) Use(attributes.elementAt(i)->getPrefix());
   if (m_Level - m_Levels.back() < std::max(kStep, m_Used.size())) return;
   m_Levels.push_back(m_Level);
-  xercesc::ElemStack& elements = CScannerParts::Elements(scanner);
+  xercesc::ElemStack& elements = CElementsOfScanner::Elements(scanner);
   for (const std::u16string& prefix : m_Used) {
     bool isUnknown = false;
     const unsigned uri = elements.mapPrefixToURI(prefix.c_str(), isUnknown);

@@ -11,10 +11,10 @@ namespace {
 // So many attributes leave a table behind that is worth the effort.
 constexpr XMLSize_t kMany = 128;
 
-class CScannerParts : private XMLScanner {
+class CTablesOfScanner : private XMLScanner {
  public:
-  static constexpr auto kDuplicates = &CScannerParts::fAttrDupChkRegistry;
-  static constexpr auto kMemory = &CScannerParts::fMemoryManager;
+  static constexpr auto kDuplicates = &CTablesOfScanner::fAttrDupChkRegistry;
+  static constexpr auto kMemory = &CTablesOfScanner::fMemoryManager;
 };
 
 // The other table is private. An explicit instantiation may name it.
@@ -37,10 +37,10 @@ constexpr XMLSize_t kPlaces = 7;
 void FreeTables(XMLScanner& scanner, XMLSize_t attributes) {
   if (attributes < kMany) return;
   // The scanner makes this one anew when it needs it.
-  delete std::exchange(scanner.*CScannerParts::kDuplicates, nullptr);
+  delete std::exchange(scanner.*CTablesOfScanner::kDuplicates, nullptr);
   auto* pScanner = dynamic_cast<IGXMLScanner*>(&scanner);
   if (pScanner == nullptr) return;
-  xercesc::MemoryManager* pMemory = scanner.*CScannerParts::kMemory;
+  xercesc::MemoryManager* pMemory = scanner.*CTablesOfScanner::kMemory;
   auto* pNew = new (pMemory) CUndeclared(kPlaces, pMemory);
   delete std::exchange(pScanner->*Of(CTable{}), pNew);
 }

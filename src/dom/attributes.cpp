@@ -61,7 +61,7 @@ void Disown(DOMElementImpl& element, DOMNode& attribute) {
 
 // Enters an attribute in the place of the one that is there, null for none. Where the
 // list cannot grow nothing has changed.
-DOMNode* Enter(DOMElementImpl& element, DOMNode& attribute, DOMAttr* pReplaced) {
+DOMNode* Put(DOMElementImpl& element, DOMNode& attribute, DOMAttr* pReplaced) {
   xercesc::DOMNodeVector& items = ItemsOf(element);
   if (pReplaced == nullptr) {
     items.insertElementAt(&attribute, PlaceOf(element, attribute.getNodeName()));
@@ -144,7 +144,7 @@ void SetAttribute(DOMElement& element, const XMLCh* pName, const XMLCh* pValue) 
   RequireWritable(element);
   if (DOMAttr* pFound = Attribute(element, pName)) return SetValue(*pFound, pValue);
   CNewAttribute attribute = WithValue(DocumentOf(element).createAttribute(pName), pValue);
-  Enter(As<DOMElementImpl>(element), *attribute, nullptr);
+  Put(As<DOMElementImpl>(element), *attribute, nullptr);
   Changed(DocumentOf(element));
   static_cast<void>(attribute.release());
 }
@@ -159,7 +159,7 @@ void SetAttributeNS(DOMElement& element, const XMLCh* pURI, const XMLCh* pQualif
   }
   CNewAttribute attribute =
       WithValue(DocumentOf(element).createAttributeNS(pURI, pQualifiedName), pValue);
-  Enter(As<DOMElementImpl>(element), *attribute, SameNameNS(element, *attribute));
+  Put(As<DOMElementImpl>(element), *attribute, SameNameNS(element, *attribute));
   Changed(DocumentOf(element));
   static_cast<void>(attribute.release());
 }
@@ -190,14 +190,14 @@ DOMNode* SetInMap(DOMElement& element, DOMNode& node) {
     Refuse(DOMException::INUSE_ATTRIBUTE_ERR);
   }
   if (IsOwned(node)) return &node;
-  return Enter(As<DOMElementImpl>(element), node, SameName(element, node));
+  return Put(As<DOMElementImpl>(element), node, SameName(element, node));
 }
 
 DOMNode* SetInMapNS(DOMElement& element, DOMNode& node) {
   if (node.getNodeType() != DOMNode::ATTRIBUTE_NODE) Refuse(DOMException::HIERARCHY_REQUEST_ERR);
   CheckItem(element, node);
   if (IsOwned(node)) Refuse(DOMException::INUSE_ATTRIBUTE_ERR);
-  return Enter(As<DOMElementImpl>(element), node, SameNameNS(element, node));
+  return Put(As<DOMElementImpl>(element), node, SameNameNS(element, node));
 }
 
 // Contract: what is no attribute gets the DOM's answers to a node of another document, or

@@ -12,10 +12,6 @@ using xercesc::DOMEntity;
 
 namespace {
 
-std::u16string_view View(const XMLCh* pText) {
-  return pText != nullptr ? std::u16string_view(pText) : std::u16string_view();
-}
-
 void WriteIds(CTextWriter& out, std::u16string_view publicId, std::u16string_view systemId) {
   if (!publicId.empty()) {
     if (systemId.empty())

@@ -11,19 +11,19 @@ using xercesc::XMLPlatformUtils;
 
 namespace {
 
-class CFile {
+class COutputFile {
  public:
-  explicit CFile(const char* pPath) : m_File(XMLPlatformUtils::openFileToWrite(pPath)) {
+  explicit COutputFile(const char* pPath) : m_File(XMLPlatformUtils::openFileToWrite(pPath)) {
     if (m_File == nullptr) {
       throw IOException(__FILE__, __LINE__, xercesc::XMLExcepts::File_CouldNotOpenFile,
                         XMLPlatformUtils::fgMemoryManager);
     }
   }
-  ~CFile() {
+  ~COutputFile() {
     if (m_File != nullptr) Always<domErrSaveFile>::Run([this] { Close(); });
   }
-  CFile(const CFile&) = delete;
-  CFile& operator=(const CFile&) = delete;
+  COutputFile(const COutputFile&) = delete;
+  COutputFile& operator=(const COutputFile&) = delete;
 
   void Write(std::string_view text) {
     XMLPlatformUtils::writeBufferToFile(m_File, text.size(),
@@ -39,7 +39,7 @@ class CFile {
 }  // namespace
 
 void WriteFile(const char* pPath, std::string_view text) {
-  CFile file(pPath);
+  COutputFile file(pPath);
   file.Write(text);
   file.Close();
 }

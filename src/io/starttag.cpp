@@ -13,10 +13,6 @@ namespace {
 
 constexpr std::u16string_view kXmlns = u"xmlns";
 
-std::u16string_view View(const XMLCh* pText) {
-  return pText != nullptr ? std::u16string_view(pText) : std::u16string_view();
-}
-
 // These two are bound for ever.
 bool IsReserved(std::u16string_view prefix) { return prefix == u"xml" || prefix == kXmlns; }
 

@@ -13,12 +13,12 @@ namespace {
 
 using namespace characters;
 
-constexpr std::size_t kBlock = 8;
+constexpr std::size_t kUnitsAtOnce = 8;
 
 template <class Context>
 bool IsPlainBlock(const XMLCh* pText) {
   XMLCh stops = 0;
-  for (std::size_t i = 0; i < kBlock; ++i)
+  for (std::size_t i = 0; i < kUnitsAtOnce; ++i)
     stops = static_cast<XMLCh>(stops | Context::Stops(pText[i]));
   return stops == 0;
 }
@@ -26,10 +26,10 @@ bool IsPlainBlock(const XMLCh* pText) {
 // Copies the run of plain ASCII that the text begins with.
 template <class Context>
 char* TakeRun(const XMLCh*& pText, const XMLCh* pEnd, char* pTo) {
-  while (static_cast<std::size_t>(pEnd - pText) >= kBlock && IsPlainBlock<Context>(pText)) {
-    utf8::CopyAscii(pText, kBlock, pTo);
-    pText += kBlock;
-    pTo += kBlock;
+  while (static_cast<std::size_t>(pEnd - pText) >= kUnitsAtOnce && IsPlainBlock<Context>(pText)) {
+    utf8::CopyAscii(pText, kUnitsAtOnce, pTo);
+    pText += kUnitsAtOnce;
+    pTo += kUnitsAtOnce;
   }
   while (pText != pEnd && Context::Stops(*pText) == 0) *pTo++ = static_cast<char>(*pText++);
   return pTo;

@@ -8,6 +8,11 @@
 #include "io/bytebuffer.h"
 #include "io/encoding.h"
 
+// Empty for none.
+inline std::u16string_view View(const XMLCh* pText) {
+  return pText != nullptr ? std::u16string_view(pText) : std::u16string_view();
+}
+
 // Throws CUnwritable for what no text stands for: a character that the version of XML
 // does not have, or one that the encoding lacks where no reference may stand.
 class CTextWriter {

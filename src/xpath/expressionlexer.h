@@ -3,6 +3,9 @@
 
 #include <string_view>
 
+// What separates tokens, and words of a text.
+inline constexpr std::u16string_view kSpaces = u" \t\r\n";
+
 enum class EToken {
   kLiteral,
   kNumber,
@@ -36,7 +39,6 @@ class CExpressionLexer {
   }
 
  private:
-  static constexpr std::u16string_view kSpaces = u" \t\r\n";
   static constexpr std::u16string_view kNoName = u" \t\r\n()[]{}'\"@,|/=!<>+*$";
   static constexpr std::u16string_view kDigits = u"0123456789.";
 

@@ -5,6 +5,7 @@
 #include <xalanc/PlatformSupport/DOMStringHelper.hpp>
 
 #include "dom/look.h"
+#include "xpath/expressionlexer.h"
 
 using xercesc::DOMNode;
 
@@ -16,7 +17,6 @@ namespace {
 constexpr std::size_t kMostLevels = 1000;
 
 constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
-constexpr std::u16string_view kSpaces = u" \t\r\n";
 
 bool IsText(DOMNode::NodeType type) {
   return type == DOMNode::TEXT_NODE || type == DOMNode::CDATA_SECTION_NODE;

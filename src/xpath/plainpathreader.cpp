@@ -53,13 +53,15 @@ std::optional<ETest> KindOfNode(std::u16string_view name) {
   return std::nullopt;
 }
 
-bool IsWhole(double number) { return number >= 1 && number < 1e9 && number == std::floor(number); }
+bool IsPosition(double number) {
+  return number >= 1 && number < 1e9 && number == std::floor(number);
+}
 
 // Where a predicate can stop looking.
 void Bound(CPredicate& predicate) {
   const CExpression& expression = predicate.m_Expression;
   const auto isNumber = [](const CExpression& e) {
-    return e.m_Kind == EKind::kNumber && IsWhole(e.m_Number);
+    return e.m_Kind == EKind::kNumber && IsPosition(e.m_Number);
   };
   const auto set = [&](double most, bool isExact) {
     if (most < 1) return;

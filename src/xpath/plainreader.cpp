@@ -152,7 +152,6 @@ bool CReader::ReadAll() {
 }
 
 bool CReader::IsSpaced(const CToken& token) const {
-  constexpr std::u16string_view kSpaces = u" \t\r\n";
   const std::u16string_view text = m_Form.m_Text;
   const auto begin = static_cast<std::size_t>(token.m_Text.data() - text.data());
   const std::size_t end = begin + token.m_Text.size();
