@@ -103,14 +103,15 @@ CChecker::CChecker(const CReadOptions& options, CReport report)
     : m_Options(options), m_Report(std::move(report)) {}
 
 void CChecker::AddSchema(const CInput& schema) {
-  if (m_pSchemas == nullptr) m_pSchemas = std::make_unique<CLentGrammars>();
+  if (m_pSchemas == nullptr)
+    m_pSchemas = std::make_unique<CLentGrammars>(*xercesc::XMLPlatformUtils::fgMemoryManager);
   Run(schema, &CCheckParser::ReadSchema);
 }
 
 void CChecker::Check(const CInput& input) { Run(input, &CCheckParser::Read); }
 
 void CChecker::Run(const CInput& input, CWork work) {
-  CLentGrammars own;
+  CLentGrammars own(*xercesc::XMLPlatformUtils::fgMemoryManager);
   CCheckParser parser(m_pSchemas != nullptr ? *m_pSchemas : own, m_pSchemas != nullptr);
   const std::unique_ptr<xercesc::InputSource> source = parser.SourceOf(input, m_Options.m_Access);
   if (source == nullptr) throw CFailure(Line(input.Name(), "there is no current folder"));
