@@ -46,7 +46,8 @@ extern "C" {
  *   40,000 on 8 MB
  *   with schemas, a value that a pattern matches by more stack than the calling thread
  *   has, or patterns that take too many steps (SECURITY.md has the figures)
- *   with schemas, types, elements and groups nested too deep for that stack
+ *   with schemas, types, elements and groups nested too deep for that stack, and more
+ *   than 20,000 copies of the elements of groups that a type repeats
  * Even so a schema can take time and memory without end: load none from strangers. */
 
 /* Reads a file into a document and replaces its tree; the document id and the

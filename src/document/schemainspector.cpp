@@ -1,7 +1,5 @@
 #include "document/schemainspector.h"
 
-#include <algorithm>
-#include <initializer_list>
 #include <xercesc/parsers/SAXParser.hpp>
 #include <xercesc/validators/schema/SchemaSymbols.hpp>
 
@@ -23,21 +21,8 @@ constexpr size_t kDeepest = 100;                 // groups and classes in a patt
 // What a part of a content model takes, measured with a margin; bytes of stack. On its way
 // through parts within parts the parser asks its pool for nothing.
 constexpr size_t kModelPart = 208;
-
-bool IsOneOf(const XMLCh* pName, std::initializer_list<const XMLCh*> names) {
-  return std::ranges::any_of(names,
-                             [&](const XMLCh* pOne) { return XMLString::equals(pName, pOne); });
-}
-
-bool IsModel(const XMLCh* pElement) {
-  return IsOneOf(pElement, {SchemaSymbols::fgELT_COMPLEXTYPE, SchemaSymbols::fgELT_GROUP});
-}
-
-bool IsPart(const XMLCh* pElement) {
-  return IsOneOf(pElement, {SchemaSymbols::fgELT_ELEMENT, SchemaSymbols::fgELT_ANY,
-                            SchemaSymbols::fgELT_GROUP, SchemaSymbols::fgELT_SEQUENCE,
-                            SchemaSymbols::fgELT_CHOICE, SchemaSymbols::fgELT_ALL});
-}
+// To make a model of so many takes twenty seconds, and of twice as many seven times that.
+constexpr uint64_t kMostCopies = 20'000;
 
 // As some types take a value: its blanks are one blank each, or one for all of a run.
 std::u16string Normalized(const std::u16string& value,
@@ -94,21 +79,15 @@ class CSchemaInspector::CReader final : private xercesc::SAXParser {
     const XMLCh* pName = declaration.getBaseName();
     const bool isOfSchema =
         XMLString::equals(getScanner().getURIText(uri), SchemaSymbols::fgURI_SCHEMAFORSCHEMA);
-    if (isOfSchema) {
-      CountPart(pName);
-      Take(pName, attributes, count);
-    }
-    m_Open.push_back({{}, isOfSchema && IsModel(pName)});
-    if (m_Open.back().m_IsModel) m_Parts.push_back(0);
+    if (isOfSchema) Take(pName, attributes, count);
+    m_Models.Enter(isOfSchema ? pName : nullptr, attributes, count);
+    m_Inspector.CheckModel(m_Models);
+    m_Patterns.emplace_back();
     if (isEmpty) Leave();
   }
 
   void endElement(const xercesc::XMLElementDecl&, unsigned int, bool, const XMLCh*) override {
     Leave();
-  }
-
-  void CountPart(const XMLCh* pElement) {
-    if (IsPart(pElement)) m_Inspector.RequireStack(++m_Parts.back() * kModelPart);
   }
 
   void Take(const XMLCh* pElement, const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
@@ -119,7 +98,7 @@ class CSchemaInspector::CReader final : private xercesc::SAXParser {
       const XMLCh* pValue = attributes.elementAt(i)->getValue();
       const bool isValue = XMLString::equals(pName, SchemaSymbols::fgATT_VALUE);
       if (isValue && isPattern) {
-        m_Open.back().m_Patterns.push_back(pValue);
+        m_Patterns.back().push_back(pValue);
       } else if (isValue || XMLString::equals(pName, SchemaSymbols::fgATT_DEFAULT) ||
                  XMLString::equals(pName, SchemaSymbols::fgATT_FIXED)) {
         m_Inspector.AddValue(pValue);
@@ -129,26 +108,22 @@ class CSchemaInspector::CReader final : private xercesc::SAXParser {
 
   // The patterns of a restriction are alternatives, which the parser puts into one.
   void Leave() {
-    const COpen left = std::move(m_Open.back());
-    m_Open.pop_back();
-    if (left.m_IsModel) m_Parts.pop_back();
+    const std::vector<std::u16string> patterns = std::move(m_Patterns.back());
+    m_Patterns.pop_back();
+    m_Models.Leave();
     std::u16string all;
-    for (const std::u16string& pattern : left.m_Patterns) {
-      all += (&pattern == left.m_Patterns.data() ? u"" : u"|") + pattern;
+    for (const std::u16string& pattern : patterns) {
+      all += (&pattern == patterns.data() ? u"" : u"|") + pattern;
     }
-    if (!left.m_Patterns.empty()) m_Inspector.AddPattern(all);
+    if (!patterns.empty()) m_Inspector.AddPattern(all);
   }
-
-  struct COpen {
-    std::vector<std::u16string> m_Patterns;  // within it
-    bool m_IsModel = false;
-  };
 
   CSchemaInspector& m_Inspector;
   CExpansionLimits m_Limits{m_Inspector.m_Stop};
   CExternalResolver m_Resolver;
-  std::vector<COpen> m_Open{{}};   // the document and its open elements
-  std::vector<size_t> m_Parts{0};  // of each open content model; outside of any first
+  CModelSize m_Models;
+  // Of each open element those within it, and of the document first.
+  std::vector<std::vector<std::u16string>> m_Patterns{{}};
 };
 
 // Inspects when it is opened, and then hands on the bytes that were inspected.
@@ -199,8 +174,10 @@ void CSchemaInspector::Inspect(const InputSource& schema) {
   m_Stop.RequireGoing();
 }
 
-void CSchemaInspector::RequireStack(size_t bytes) {
-  if (bytes > StackRoom()) CSchemaLimits::StopForStack(m_Stop);
+void CSchemaInspector::CheckModel(const CModelSize& models) {
+  if (models.Parts() * kModelPart > StackRoom()) CSchemaLimits::StopForStack(m_Stop);
+  if (models.Copies() <= kMostCopies) return;
+  m_Stop.Stop(u"a content model of a schema repeats groups of more than 20000 elements in all");
 }
 
 void CSchemaInspector::AddPattern(const std::u16string& pattern) {

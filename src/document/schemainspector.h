@@ -10,6 +10,7 @@
 #include <xercesc/util/regx/RegularExpression.hpp>
 
 #include "document/externalresolver.h"
+#include "document/modelsize.h"
 #include "document/schemalimits.h"
 
 // The patterns of a grammar have their limits once it is made. While it is made, the parser
@@ -36,7 +37,7 @@ class CSchemaInspector {
   class CSource;
 
   void Inspect(const xercesc::InputSource& schema);
-  void RequireStack(size_t bytes);
+  void CheckModel(const CModelSize& models);
   void AddPattern(const std::u16string& pattern);
   void AddValue(const std::u16string& value);
   void AddText(const std::u16string& text);

@@ -189,4 +189,39 @@ TEST_F(SchemaLimits, DepthIsBoundedByTheStack) {
   }
 }
 
+// Each type and named group has a number of its own, and an element by itself is no group.
+TEST_F(SchemaLimits, CopiesOfGroupsAreBounded) {
+  const auto groups = [](const std::string& name, const std::vector<const char*>& occurs) {
+    std::string text;
+    for (const char* pOccurs : occurs) text += "<s:" + name + " " + pOccurs + ">";
+    text += "<s:element name='a' minOccurs='0'/><s:element name='b' minOccurs='0'/>";
+    return text + Repeated("</s:" + name + ">", static_cast<int>(occurs.size()));
+  };
+  const auto type = [](const std::string& content) {
+    return XSD "<s:element name='r'><s:complexType>" + content +
+           "</s:complexType></s:element></s:schema>";
+  };
+  const char* pRefused = "repeats groups of more than 20000 elements in all";
+  const struct {
+    std::string schema;
+    const char* pMessage;
+  } rows[] = {
+      {type(groups("sequence", {"maxOccurs='20'", "maxOccurs='20'", "maxOccurs='26'"})), pRefused},
+      {type(groups("choice", {"maxOccurs='99999999999999999999'"})), pRefused},
+      {type(groups("sequence", {"minOccurs='10001' maxOccurs='unbounded'"})), pRefused},
+      {type("<s:group ref='g' maxOccurs='20001'/>"), pRefused},
+      {type(groups("choice", {"minOccurs='0' maxOccurs='unbounded'"})), ""},
+      {type(groups("sequence", {"maxOccurs='20'", "maxOccurs='20'"})), ""},
+      {type("<s:sequence><s:element name='a' minOccurs='0' maxOccurs='99999'/></s:sequence>"), ""},
+      {XSD "<s:element name='r'/><s:complexType name='u'>" +
+           groups("sequence", {"maxOccurs='9999'"}) + "</s:complexType><s:complexType name='v'>" +
+           groups("sequence", {"maxOccurs='9999'"}) + "</s:complexType></s:schema>",
+       ""},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.schema.substr(60, 120));
+    Expect(row.schema, "", row.pMessage);
+  }
+}
+
 }  // namespace
