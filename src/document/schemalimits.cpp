@@ -23,7 +23,7 @@ using xercesc::RegxUtil;
 
 namespace {
 
-constinit thread_local CSchemaLimits* t_pLimits = nullptr;
+constinit thread_local CSchemaLimits* t_pSchemaLimits = nullptr;
 
 // -- Steps -----------------------------------------------------------------------
 
@@ -35,7 +35,7 @@ class CStep final : public Op {
     setNextOp(pNext);
   }
   XMLInt32 getData() const override {
-    if (t_pLimits != nullptr) t_pLimits->Step(m_pPattern);
+    if (t_pSchemaLimits != nullptr) t_pSchemaLimits->Step(m_pPattern);
     return 0;
   }
 
@@ -52,19 +52,19 @@ bool Branches(const Op& operation) {
 
 // Private members that an explicit instantiation may name.
 template <class Tag, typename Tag::Type kMember>
-struct CReveal {
+struct CRevealOfMatcher {
   friend typename Tag::Type Of(Tag) { return kMember; }
 };
 struct CAllOps {
   using Type = RefVectorOf<Op>* xercesc::OpFactory::*;
   friend Type Of(CAllOps);
 };
-template struct CReveal<CAllOps, &xercesc::OpFactory::fOpVector>;
+template struct CRevealOfMatcher<CAllOps, &xercesc::OpFactory::fOpVector>;
 struct CBranches {
   using Type = RefVectorOf<Op>* xercesc::UnionOp::*;
   friend Type Of(CBranches);
 };
-template struct CReveal<CBranches, &xercesc::UnionOp::fBranches>;
+template struct CRevealOfMatcher<CBranches, &xercesc::UnionOp::fBranches>;
 
 // What is protected.
 class CExpressionParts : private RegularExpression {
@@ -188,16 +188,17 @@ void LimitAll(xercesc::RefHashTableOfEnumerator<Grammar> grammars) {
 
 }  // namespace
 
-CSchemaLimits::CLoad::CLoad(CSchemaLimits& limits) : m_pOuter(std::exchange(t_pLimits, &limits)) {
+CSchemaLimits::CLoad::CLoad(CSchemaLimits& limits)
+    : m_pOuter(std::exchange(t_pSchemaLimits, &limits)) {
   limits.m_Steps = 0;
   limits.m_Most = kSteps;
 }
 
-CSchemaLimits::CLoad::~CLoad() { t_pLimits = m_pOuter; }
+CSchemaLimits::CLoad::~CLoad() { t_pSchemaLimits = m_pOuter; }
 
 void CSchemaLimits::RequireStack() {
-  if (t_pLimits == nullptr || StackRoom() != 0) return;
-  StopForStack(t_pLimits->m_Stop);
+  if (t_pSchemaLimits == nullptr || StackRoom() != 0) return;
+  StopForStack(t_pSchemaLimits->m_Stop);
 }
 
 void CSchemaLimits::StopForStack(CLoadStop& stop) {

@@ -93,7 +93,7 @@ std::u16string CSourceCapture::Subset(const XMLReader& like, XMLReader::XMLVersi
   // The document type is the first declaration.
   while (reader->getNextChar(unit) && !(lexer.IsInDeclaration() && unit == u'[')) lexer.Take(unit);
   lexer = CSubsetLexer();
-  while (reader->getNextChar(unit) && !(lexer.IsOutside() && unit == u']')) {
+  while (reader->getNextChar(unit) && unit != 0 && !(lexer.IsOutside() && unit == u']')) {
     subset += unit;
     lexer.Take(unit);
   }

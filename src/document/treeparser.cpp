@@ -135,6 +135,11 @@ void CTreeParser::startElement(const xercesc::XMLElementDecl& declaration, unsig
                                XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
   m_Stop.RequireGoing();
   m_Limits.RequireFewExpansions();
+  if (isRoot) {
+    // The scanner takes a subset that a null character breaks off for one that has ended.
+    if (IsInInternalSubset()) endIntSubset();
+    m_Capture.PassSubset();
+  }
   m_Limits.CountDefaults(attributes, attributeCount);
   m_SchemaLimits.AllowValues(attributeCount + 1);
   NeedRoom(attributeCount + 1);
@@ -143,7 +148,6 @@ void CTreeParser::startElement(const xercesc::XMLElementDecl& declaration, unsig
     m_Prefixes.Enter(*getScanner(), pPrefix, attributes, attributeCount);
   }
   if (m_Level != 0) GoDeeper();
-  if (isRoot) m_Capture.PassSubset();
   CBuilder::startElement(declaration, uri, pPrefix, attributes, attributeCount, isEmpty, isRoot);
 }
 

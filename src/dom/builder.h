@@ -31,6 +31,9 @@ class CBuilder : public xercesc::XercesDOMParser {
   void docComment(const XMLCh* pText) override;
   void docPI(const XMLCh* pTarget, const XMLCh* pData) override;
 
+ protected:
+  bool IsInInternalSubset() const { return m_IsInInternalSubset; }
+
  private:
   const XMLCh* NamespaceOf(unsigned int uri);
   xercesc::DOMElementImpl& MakeElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
