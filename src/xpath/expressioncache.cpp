@@ -19,8 +19,8 @@ std::shared_ptr<const CXalanForm> CKnownExpression::Xalan(const CNamespaceScope&
     const std::lock_guard lock(m_Mutex);
     if (m_pXalan != nullptr) return m_pXalan;
   }
-  auto pForm = std::make_shared<const CXalanForm>(m_Text.c_str(), scope);
-  if (!MayHavePrefix(m_Text)) {
+  auto pForm = std::make_shared<const CXalanForm>(m_Expression, scope);
+  if (!MayHavePrefix(Text())) {
     const std::lock_guard lock(m_Mutex);
     m_pXalan = pForm;
   }

@@ -15,9 +15,10 @@
 class CKnownExpression {
  public:
   explicit CKnownExpression(std::u16string_view text)
-      : m_Text(text), m_pPlain(plain::CForm::Read(text)) {}
+      : m_Expression(text), m_pPlain(plain::CForm::Read(m_Expression)) {}
 
-  const std::u16string& Text() const { return m_Text; }
+  const std::u16string& Text() const { return m_Expression.Text(); }
+  const CLexedExpression& Lexed() const { return m_Expression; }
   // Null if the expression is not plain.
   const plain::CForm* Plain() const { return m_pPlain.get(); }
   // Compiled when first asked for, and kept if it has no prefix: those mean something
@@ -25,7 +26,7 @@ class CKnownExpression {
   std::shared_ptr<const CXalanForm> Xalan(const CNamespaceScope& scope) const;
 
  private:
-  const std::u16string m_Text;
+  const CLexedExpression m_Expression;
   const std::unique_ptr<const plain::CForm> m_pPlain;
   mutable std::mutex m_Mutex;
   mutable std::shared_ptr<const CXalanForm> m_pXalan;

@@ -21,8 +21,8 @@
 //   divides integers, and the smallest one by -1 ends the process.
 class CExpressionForm {
  public:
-  explicit CExpressionForm(std::u16string_view text) : m_Text(text) {
-    for (CExpressionLexer lexer(text); !lexer.AtEnd();) m_Pieces.push_back({lexer.Next()});
+  explicit CExpressionForm(const CLexedExpression& expression) : m_Text(expression.Text()) {
+    for (const CToken& token : expression.Tokens()) m_Pieces.push_back({token});
     for (std::size_t i = 0; i < m_Pieces.size(); ++i) {
       TakeDescendants(i);
       TakeTextFunction(i);

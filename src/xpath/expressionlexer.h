@@ -1,7 +1,9 @@
 // The tokens of an expression.
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 // What separates tokens, and words of a text.
 inline constexpr std::u16string_view kSpaces = u" \t\r\n";
@@ -85,3 +87,26 @@ class CExpressionLexer {
   std::u16string_view m_Rest;
   bool m_AfterOperand = false;
 };
+
+// An expression and its tokens, cut once for all that read them.
+class CLexedExpression {
+ public:
+  explicit CLexedExpression(std::u16string_view text) : m_Text(text) {
+    for (CExpressionLexer lexer(m_Text); !lexer.AtEnd();) m_Tokens.push_back(lexer.Next());
+  }
+  CLexedExpression(const CLexedExpression&) = delete;  // the tokens are parts of the text
+  CLexedExpression& operator=(const CLexedExpression&) = delete;
+
+  const std::u16string& Text() const { return m_Text; }
+  const std::vector<CToken>& Tokens() const { return m_Tokens; }
+
+ private:
+  const std::u16string m_Text;
+  std::vector<CToken> m_Tokens;
+};
+
+// The name of a node test with brackets, which looks like a call.
+inline bool IsKindOfNode(std::u16string_view name) {
+  return name == u"node" || name == u"text" || name == u"comment" ||
+         name == u"processing-instruction";
+}

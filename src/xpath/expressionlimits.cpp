@@ -4,7 +4,6 @@
 
 #include <string>
 
-#include "xpath/expressionlexer.h"
 #include "xpath/xpathmanager.h"
 
 namespace {
@@ -17,11 +16,10 @@ namespace {
 
 }  // namespace
 
-void CheckExpression(const XMLCh* pExpression) {
+void CheckExpression(const CLexedExpression& expression) {
   int nested = 0;
   int operators = 0;
-  for (CExpressionLexer lexer(pExpression); !lexer.AtEnd();) {
-    const CToken token = lexer.Next();
+  for (const CToken& token : expression.Tokens()) {
     if (token.m_Kind == EToken::kOperator && ++operators > kMostOperators) {
       Refuse("too many operators", kMostOperators);
     }

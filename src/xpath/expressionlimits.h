@@ -1,7 +1,7 @@
 // How much of an expression is let through to Xalan-C.
 #pragma once
 
-#include <xercesc/util/XercesDefs.hpp>
+#include "xpath/expressionlexer.h"
 
 // Xalan-C reads and evaluates nested brackets and chains of operators by recursion
 // and does not look at the stack. What is within the limits needs 120 KB of it at
@@ -13,4 +13,4 @@ constexpr int kMostOperators = 500;  // or and = != < <= > >= + - * div mod, in 
 constexpr int kMostDigits = 80;  // and points, in one number
 
 // Throws a KelXPathException (domErrXPathParse) for an expression beyond a limit.
-void CheckExpression(const XMLCh* pExpression);
+void CheckExpression(const CLexedExpression& expression);

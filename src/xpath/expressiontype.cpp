@@ -47,11 +47,6 @@ constexpr CFunctionType kFunctions[] = {
     {u"round", EType::kNumber},
 };
 
-bool IsKindOfNode(std::u16string_view name) {
-  return name == u"node" || name == u"text" || name == u"comment" ||
-         name == u"processing-instruction";
-}
-
 EType TypeOfCall(std::u16string_view name) {
   const auto* pFound = std::ranges::find(kFunctions, name, &CFunctionType::m_Name);
   if (pFound != std::end(kFunctions)) return pFound->m_Type;
@@ -61,10 +56,7 @@ EType TypeOfCall(std::u16string_view name) {
 
 class CTyper {
  public:
-  explicit CTyper(std::u16string_view text) {
-    for (CExpressionLexer lexer(text); !lexer.AtEnd();) m_Tokens.push_back(lexer.Next());
-    m_End = m_Tokens.size();
-  }
+  explicit CTyper(const std::vector<CToken>& tokens) : m_Tokens(tokens), m_End(tokens.size()) {}
 
   EType Type() {
     while (m_Begin < m_End) {
@@ -126,11 +118,13 @@ class CTyper {
     return m_End;
   }
 
-  std::vector<CToken> m_Tokens;
+  const std::vector<CToken>& m_Tokens;
   std::size_t m_Begin = 0;
-  std::size_t m_End = 0;
+  std::size_t m_End;
 };
 
 }  // namespace
 
-plain::EType TypeOfExpression(std::u16string_view text) { return CTyper(text).Type(); }
+plain::EType TypeOfExpression(const CLexedExpression& expression) {
+  return CTyper(expression.Tokens()).Type();
+}

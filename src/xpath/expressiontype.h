@@ -1,10 +1,9 @@
 // Of which type an expression is, without evaluating it.
 #pragma once
 
-#include <string_view>
-
+#include "xpath/expressionlexer.h"
 #include "xpath/plainform.h"
 
 // The expression is one that Xalan-C accepts. Throws a KelXPathException for a variable,
 // which is never bound, and for a function of XSLT, none of which exists.
-plain::EType TypeOfExpression(std::u16string_view text);
+plain::EType TypeOfExpression(const CLexedExpression& expression);

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "xpath/expressionlexer.h"
+
 // Xalan-C evaluates on nodes that wrap those of the DOM, and compiles an expression
 // whenever it meets it. What people write every day goes another way: it is read once
 // into the form below, and evaluated by CPlainEvaluation. Such an expression is plain:
@@ -140,11 +142,12 @@ inline bool CExpression::operator==(const CExpression& other) const {
          m_Arguments == other.m_Arguments && m_Paths == other.m_Paths;
 }
 
-// A plain expression. The text stands in it, so it does not move.
+// A plain expression. Its texts stand in the one that it was read from.
 class CForm {
  public:
-  // Null for what is not plain; what is, Xalan-C accepts.
-  static std::unique_ptr<const CForm> Read(std::u16string_view text);
+  // Null for what is not plain; what is, Xalan-C accepts. The form goes before the
+  // expression.
+  static std::unique_ptr<const CForm> Read(const CLexedExpression& expression);
   CForm(const CForm&) = delete;
   CForm& operator=(const CForm&) = delete;
 
@@ -155,9 +158,8 @@ class CForm {
 
  private:
   friend class CReader;
-  explicit CForm(std::u16string_view text) : m_Text(text) {}
+  CForm() = default;
 
-  const std::u16string m_Text;
   CExpression m_Expression;
   std::vector<std::u16string> m_Prefixes;
   bool m_LooksUp = false;

@@ -116,11 +116,6 @@ CExpression ContextNode() {
   return expression;
 }
 
-bool IsKindOfNode(std::u16string_view name) {
-  return name == u"node" || name == u"text" || name == u"comment" ||
-         name == u"processing-instruction";
-}
-
 // Joins two paths that differ in the last node test alone, so that the tree is walked
 // once.
 bool Unite(CPath& path, const CPath& other) {
@@ -137,22 +132,18 @@ bool Unite(CPath& path, const CPath& other) {
 
 }  // namespace
 
-std::unique_ptr<const CForm> CForm::Read(std::u16string_view text) {
-  std::unique_ptr<CForm> pForm(new CForm(text));
-  if (!CReader(*pForm).ReadAll()) return nullptr;
+std::unique_ptr<const CForm> CForm::Read(const CLexedExpression& expression) {
+  std::unique_ptr<CForm> pForm(new CForm);
+  if (!CReader(*pForm, expression).ReadAll()) return nullptr;
   return pForm;
 }
 
 bool CReader::ReadAll() {
-  for (CExpressionLexer lexer(m_Form.m_Text); !lexer.AtEnd();) {
-    if (m_Tokens.size() == kMostTokens) return false;
-    m_Tokens.push_back(lexer.Next());
-  }
-  return ReadExpression(m_Form.m_Expression) && AtEnd();
+  return m_Tokens.size() <= kMostTokens && ReadExpression(m_Form.m_Expression) && AtEnd();
 }
 
 bool CReader::IsSpaced(const CToken& token) const {
-  const std::u16string_view text = m_Form.m_Text;
+  const std::u16string_view text = m_Text;
   const auto begin = static_cast<std::size_t>(token.m_Text.data() - text.data());
   const std::size_t end = begin + token.m_Text.size();
   return begin > 0 && end < text.size() && kSpaces.find(text[begin - 1]) != kSpaces.npos &&

@@ -11,7 +11,8 @@ namespace plain {
 // Every Read gives false for what is not plain; then the form is of no use.
 class CReader {
  public:
-  explicit CReader(CForm& form) : m_Form(form) {}
+  CReader(CForm& form, const CLexedExpression& expression)
+      : m_Form(form), m_Text(expression.Text()), m_Tokens(expression.Tokens()) {}
   bool ReadAll();
 
  private:
@@ -50,7 +51,8 @@ class CReader {
   int NumberOf(std::u16string_view prefix);
 
   CForm& m_Form;
-  std::vector<CToken> m_Tokens;
+  const std::u16string& m_Text;
+  const std::vector<CToken>& m_Tokens;
   std::size_t m_At = 0;
   int m_Nested = 0;
   int m_Steps = 0;

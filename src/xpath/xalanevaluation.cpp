@@ -8,11 +8,11 @@
 #include "xpath/expressionlimits.h"
 
 // Errors are about the host's own text, so that is compiled first.
-CXalanForm::CXalanForm(const XMLCh* pExpression, const CNamespaceScope& scope)
+CXalanForm::CXalanForm(const CLexedExpression& expression, const CNamespaceScope& scope)
     : m_XPath(*xercesc::XMLPlatformUtils::fgMemoryManager) {
-  CheckExpression(pExpression);
-  Compile(pExpression, scope);
-  const auto rewritten = CExpressionForm(pExpression).Rewritten();
+  CheckExpression(expression);
+  Compile(expression.Text().c_str(), scope);
+  const auto rewritten = CExpressionForm(expression).Rewritten();
   if (rewritten) Compile(rewritten->c_str(), scope);
   // Literals stay the expression's own. Otherwise Xalan-C copies each into an object
   // that keeps the number of the one before: "1 = '1' and 2 = '2'" was false.

@@ -10,6 +10,7 @@
 #include <xercesc/dom/DOMNode.hpp>
 
 #include "xpath/execution.h"
+#include "xpath/expressionlexer.h"
 #include "xpath/namespacescope.h"
 #include "xpath/numberguard.h"
 #include "xpath/silentcontexts.h"
@@ -20,7 +21,7 @@ class CXalanForm {
  public:
   // Throws for what is no expression, or beyond the limits. The namespaces of its
   // prefixes are part of the form.
-  CXalanForm(const XMLCh* pExpression, const CNamespaceScope& scope);
+  CXalanForm(const CLexedExpression& expression, const CNamespaceScope& scope);
 
   const xalanc::XPath& Get() const { return m_XPath; }
 

@@ -91,7 +91,7 @@ plain::EType XPathManager::TypeOf(const XMLCh* pExpression) {
   const plain::CForm* pPlain = pKnown->Plain();
   if (pPlain != nullptr && pPlain->Prefixes().empty()) return pPlain->Expression().m_Type;
   pKnown->Xalan(m_Scope);
-  return TypeOfExpression(pKnown->Text());
+  return TypeOfExpression(pKnown->Lexed());
 }
 
 std::vector<DOMNode*> XPathManager::Select(const XMLCh* pExpression, std::size_t most) {

@@ -244,8 +244,10 @@ TEST(XPathPlain, TellsPlainFromOther) {
       u"a[key('b')]", u"(a = b) <= 1", u"a[b and(c)]",     u"//and",      u"a[-b]",
       u"a[1.]",       u"a[last()-1]",  u"id('a')/b",       u".[a]",       u"a[string(1) = 1]",
       u"a-",          u"a[1 = 2 = 3]", u"a[b][c][d][e][f]"};
-  for (const auto text : kPlain) EXPECT_TRUE(plain::CForm::Read(text)) << Narrow(text.data());
-  for (const auto text : kOther) EXPECT_FALSE(plain::CForm::Read(text)) << Narrow(text.data());
+  for (const auto text : kPlain)
+    EXPECT_TRUE(plain::CForm::Read(CLexedExpression(text))) << Narrow(text.data());
+  for (const auto text : kOther)
+    EXPECT_FALSE(plain::CForm::Read(CLexedExpression(text))) << Narrow(text.data());
 }
 
 // What follows a path on the DOM must give what Xalan-C gives, and the shorter form that
