@@ -14,7 +14,7 @@ void CSubsetLexer::Take(XMLCh unit) {
       break;
     case EState::kDash:
       m_State = EState::kComment;
-      break;
+      return;  // its hyphen is no part of the comment's end
     case EState::kComment:
       if (unit == u'>' && m_Last == u'-' && m_BeforeLast == u'-') m_State = EState::kOutside;
       break;
