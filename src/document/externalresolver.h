@@ -39,6 +39,7 @@ class CExternalResolver {
   // Entities are opened once for as long as `pReplays` is set, and read as they were then.
   void SetReplays(CReplays* pReplays) { m_pReplays = pReplays; }
   CReplays* Replays() const { return m_pReplays; }
+  CSeenFiles* Seen() const { return m_pSeen; }
 
  private:
   std::unique_ptr<xercesc::InputSource> Open(const xercesc::XMLResourceIdentifier& resource,

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <xercesc/util/XMLChar.hpp>
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/validators/schema/SchemaSymbols.hpp>
 
@@ -30,7 +31,10 @@ bool IsModel(const XMLCh* pElement) {
   return IsOneOf(pElement, {SchemaSymbols::fgELT_COMPLEXTYPE, SchemaSymbols::fgELT_GROUP});
 }
 
+// The parser takes a number with blanks around it and a sign, and one far below 0 for a large one.
 uint64_t Number(const XMLCh* pText) {
+  while (xercesc::XMLChar1_0::isWhitespace(*pText)) ++pText;
+  if (*pText == u'+' || *pText == u'-') ++pText;
   uint64_t number = 0;
   for (; *pText >= u'0' && *pText <= u'9'; ++pText) {
     number = std::min(number * 10 + (*pText - u'0'), kLargest);

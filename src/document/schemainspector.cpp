@@ -36,11 +36,12 @@ std::u16string Normalized(const std::u16string& value,
 }  // namespace
 
 // Reads a schema as the parser does, and keeps nothing. What is wrong with it, the parser
-// will say.
+// will say. It opens what the schema names before the parser does, so it notes the files.
 class CSchemaInspector::CReader final : private xercesc::SAXParser {
  public:
   explicit CReader(CSchemaInspector& inspector)
-      : m_Inspector(inspector), m_Resolver(inspector.m_Stop, m_Limits) {
+      : m_Inspector(inspector),
+        m_Resolver(inspector.m_Stop, m_Limits, inspector.m_Resolver.Seen()) {
     m_Limits.SetTextLimit(inspector.m_Limits.TextLimit());
     m_Resolver.Policy() = inspector.m_Resolver.Policy();
     m_Resolver.SetReplays(inspector.m_Resolver.Replays());

@@ -210,6 +210,9 @@ TEST_F(SchemaLimits, CopiesOfGroupsAreBounded) {
       {type(groups("choice", {"maxOccurs='99999999999999999999'"})), pRefused},
       {type(groups("sequence", {"minOccurs='10001' maxOccurs='unbounded'"})), pRefused},
       {type("<s:group ref='g' maxOccurs='20001'/>"), pRefused},
+      {type("<s:group ref='g' maxOccurs=' &#9;20001 '/>"), pRefused},
+      {type("<s:group ref='g' maxOccurs='+20001'/>"), pRefused},
+      {type("<s:group ref='g' maxOccurs='-4294947295'/>"), pRefused},  // 20001 in 32 bits
       {type(groups("choice", {"minOccurs='0' maxOccurs='unbounded'"})), ""},
       {type(groups("sequence", {"maxOccurs='20'", "maxOccurs='20'"})), ""},
       {type("<s:sequence><s:element name='a' minOccurs='0' maxOccurs='99999'/></s:sequence>"), ""},
