@@ -66,14 +66,18 @@ char32_t CodeAt(std::u16string_view text) {
   return 0x10000 + ((unit - 0xD800) << 10) + (text[1] - 0xDC00u);
 }
 
+// The name of a reference has no other form, so that an encoding may refuse it.
 void WriteSubset(CTextWriter& out, std::u16string_view subset) {
   CSubsetLexer lexer;
   bool hasValues = false;
+  bool isInReference = false;
   std::size_t begin = 0;  // of what is not written yet
   for (std::size_t i = 0; i < subset.size(); ++i) {
     if (lexer.IsOutside() && subset[i] == u'<') hasValues = CHead(subset.substr(i)).HasValues();
     lexer.Take(subset[i]);
-    if (subset[i] < 0x80 || !hasValues || !lexer.IsInLiteral()) continue;
+    if (subset[i] == u'&') isInReference = lexer.IsInLiteral();
+    if (subset[i] == u';') isInReference = false;
+    if (subset[i] < 0x80 || !hasValues || !lexer.IsInLiteral() || isInReference) continue;
     const std::size_t at = i;
     const char32_t code = CodeAt(subset.substr(at));
     if (code > 0xFFFF) ++i;
