@@ -32,12 +32,7 @@ constinit thread_local HostMutexObject* t_pHeld = nullptr;
 constinit thread_local int64_t t_Depth = 0;
 
 void Fill(HostMutexObject& object, const char* pName) {
-  // Locks are held for less time than a thread takes to sleep and wake, so it spins first.
-  pthread_mutexattr_t attributes;
-  pthread_mutexattr_init(&attributes);
-  pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_ADAPTIVE_NP);
-  pthread_mutex_init(&object.lock, &attributes);
-  pthread_mutexattr_destroy(&attributes);
+  pthread_mutex_init(&object.lock, nullptr);
   object.owner.store(0, std::memory_order_relaxed);
   object.pName.store(pName, std::memory_order_relaxed);
   object.number.store(g_LastNumber.fetch_add(1) + 1, std::memory_order_relaxed);
