@@ -58,7 +58,6 @@ std::unique_ptr<InputSource> CCheckParser::SourceOf(const CInput& input, int32_t
 
 void CCheckParser::Begin() {
   m_Stop.Begin();
-  m_Inspector.Begin();
   m_Prefixes.Begin();
   m_Schemas.clear();
   m_Grammar = m_HasSchemas ? EGrammar::kNamed : EGrammar::kNone;
@@ -67,6 +66,7 @@ void CCheckParser::Begin() {
 void CCheckParser::Read(const InputSource& source) {
   const CExpansionLimits::CLoad load(m_Limits);
   const CSchemaLimits::CLoad patterns(m_SchemaLimits);
+  const CSchemaInspector::CLoad inspected(m_Inspector);
   Begin();
   parse(source);
   m_Resolver.Lost().Free();
@@ -76,6 +76,7 @@ void CCheckParser::Read(const InputSource& source) {
 void CCheckParser::ReadSchema(const InputSource& source) {
   const CExpansionLimits::CLoad load(m_Limits);
   const CSchemaLimits::CLoad patterns(m_SchemaLimits);
+  const CSchemaInspector::CLoad inspected(m_Inspector);
   Begin();
   setHandleMultipleImports(true);
   const auto schema =
@@ -94,6 +95,10 @@ InputSource* CCheckParser::resolveEntity(xercesc::XMLResourceIdentifier* pResour
     return source.release();
   }
   source = OpenedSchema(std::move(source), pResource->getSystemId());
+  using xercesc::XMLResourceIdentifier;
+  if (pResource->getResourceIdentifierType() != XMLResourceIdentifier::SchemaGrammar) {
+    return m_Inspector.Watch(std::move(source)).release();
+  }
   return m_Inspector.Watch(std::move(source), [this] { LimitPatterns(Scanner()); }).release();
 }
 

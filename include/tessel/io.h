@@ -44,10 +44,11 @@ extern "C" {
  *   with validation, a content model of more names than the calling thread's stack
  *   has room for, at 208 bytes each after a reserve of 64 KB: 900 on 256 KB,
  *   40,000 on 8 MB
- *   with schemas, a value that a pattern matches by more stack than the calling thread
- *   has, or patterns that take too many steps (SECURITY.md has the figures)
- *   with schemas, types, elements and groups nested too deep for that stack, and more
- *   than 20,000 copies of the elements of groups that a type repeats
+ *   with schemas, a pattern that is too large, that needs more stack for a value than the
+ *   calling thread has, or that takes too many steps (SECURITY.md has the figures)
+ *   with schemas, types, elements and groups nested too deep for that stack, and a type
+ *   that repeats groups of more than 20,000 elements in all, where a reference to a named
+ *   group counts as one
  * Even so a schema can take time and memory without end: load none from strangers. */
 
 /* Reads a file into a document and replaces its tree; the document id and the

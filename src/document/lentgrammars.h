@@ -24,7 +24,8 @@ class CLentGrammars final : public xercesc::XMLGrammarPoolImpl {
   xercesc::XMLStringPool* getURIStringPool() override { return &m_Names; }
 
  private:
-  // Passes each question on. While a grammar is made, there is one on every level.
+  // Passes each question on. The parser asks one at every level of the recursion by which it
+  // makes a grammar, so the stack is looked at here.
   class CNames final : public xercesc::XMLStringPool {
    public:
     explicit CNames(xercesc::MemoryManager* pManager) : XMLStringPool(1, pManager) {}

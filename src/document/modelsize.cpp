@@ -11,7 +11,7 @@ using xercesc::XMLString;
 
 namespace {
 
-constexpr uint64_t kLargest = uint64_t{1} << 31;  // stands for all beyond
+constexpr uint64_t kLargest = uint64_t{1} << 31;  // numbers above it are taken for it
 
 bool IsOneOf(const XMLCh* pName, std::initializer_list<const XMLCh*> names) {
   return std::ranges::any_of(names,

@@ -9,8 +9,9 @@
 
 // Follows the elements of a schema. A type, and a named group, has a model of its own. The
 // parser makes as many copies of a group in it as it may be repeated, or must be where
-// there is no limit, so that numbers of groups within each other multiply. What the numbers
-// of single elements and references to groups add to that is not seen.
+// there is no limit, so that numbers of groups within each other multiply. A reference to a
+// named group counts as one element, however many that has; how often a single element may
+// be repeated is not counted.
 class CModelSize {
  public:
   using CAttributes = xercesc::RefVectorOf<xercesc::XMLAttr>;

@@ -18,8 +18,8 @@ class CMeter {
 
  private:
   struct CGroup {
-    uint64_t m_Before = 0;  // its last part, which a number may follow
-    uint64_t m_Last = 0;
+    uint64_t m_Before = 0;  // operations of all parts except the last
+    uint64_t m_Last = 0;    // of the last, which a number that follows would multiply
   };
 
   char16_t Next() {

@@ -14,5 +14,5 @@ struct CPatternSize {
   static constexpr uint64_t kUnbounded = uint64_t{1} << 31;
 };
 
-// Of a pattern that the parser would take; of another any, which is no more than that.
+// Of a faulty pattern, which the parser refuses in any case, the size means nothing.
 CPatternSize SizeOfPattern(std::u16string_view pattern);

@@ -38,5 +38,5 @@ class CReplaySource final : public xercesc::InputSource {
   CReplay& m_Replay;
 };
 
-// What one text names outside itself, by the address of what names it and the name.
+// The entities of one text: the key is the base address of a reference and the name in it.
 using CReplays = std::map<std::pair<std::u16string, std::u16string>, CReplay>;

@@ -4,6 +4,7 @@
 #include <xercesc/validators/schema/SchemaSymbols.hpp>
 
 #include "document/oneline.h"
+#include "document/parsermemory.h"
 #include "document/patternsize.h"
 #include "document/replaysource.h"
 #include "host/guards.h"
@@ -15,6 +16,12 @@ using xercesc::SchemaSymbols;
 using xercesc::XMLString;
 
 namespace {
+
+// What the reader is made with, and what hence outlives it.
+class CMemoryOfReader {
+ protected:
+  CParserMemory m_Memory;
+};
 
 constexpr uint64_t kMostOperations = 1'000'000;  // of a pattern; 64 bytes each
 constexpr size_t kDeepest = 100;                 // groups and classes in a pattern
@@ -37,10 +44,11 @@ std::u16string Normalized(const std::u16string& value,
 
 // Reads a schema as the parser does, and keeps nothing. What is wrong with it, the parser
 // will say. It opens what the schema names before the parser does, so it notes the files.
-class CSchemaInspector::CReader final : private xercesc::SAXParser {
+class CSchemaInspector::CReader final : private CMemoryOfReader, private xercesc::SAXParser {
  public:
   explicit CReader(CSchemaInspector& inspector)
-      : m_Inspector(inspector),
+      : SAXParser(nullptr, &m_Memory),
+        m_Inspector(inspector),
         m_Resolver(inspector.m_Stop, m_Limits, inspector.m_Resolver.Seen()) {
     m_Limits.SetTextLimit(inspector.m_Limits.TextLimit());
     m_Resolver.Policy() = inspector.m_Resolver.Policy();
@@ -158,7 +166,7 @@ class CSchemaInspector::CSource final : public InputSource {
   std::function<void()> m_OnEnd;
 };
 
-void CSchemaInspector::Begin() {
+void CSchemaInspector::Forget() {
   m_Patterns.clear();
   m_Values.clear();
 }
@@ -166,6 +174,7 @@ void CSchemaInspector::Begin() {
 std::unique_ptr<InputSource> CSchemaInspector::Watch(std::unique_ptr<InputSource> source,
                                                      std::function<void()> onEnd) {
   if (source == nullptr) return nullptr;
+  m_SchemaLimits.OnSchema();
   return std::make_unique<CSource>(*this, std::move(source), std::move(onEnd));
 }
 

@@ -25,7 +25,17 @@ class CSchemaInspector {
   CSchemaInspector(const CSchemaInspector&) = delete;
   CSchemaInspector& operator=(const CSchemaInspector&) = delete;
 
-  void Begin();  // of a load
+  // What was seen in a load is forgotten at its end.
+  class CLoad {
+   public:
+    explicit CLoad(CSchemaInspector& inspector) : m_Inspector(inspector) {}
+    ~CLoad() { m_Inspector.Forget(); }
+    CLoad(const CLoad&) = delete;
+    CLoad& operator=(const CLoad&) = delete;
+
+   private:
+    CSchemaInspector& m_Inspector;
+  };
 
   // A schema as the parser may read it: inspected when it is opened. When the parser gives
   // up the source, which it does once a whole grammar is made, that is told.
@@ -36,6 +46,7 @@ class CSchemaInspector {
   class CReader;
   class CSource;
 
+  void Forget();
   void Inspect(const xercesc::InputSource& schema);
   void CheckModel(const CModelSize& models);
   void AddPattern(const std::u16string& pattern);

@@ -27,7 +27,8 @@ constinit thread_local CSchemaLimits* t_pSchemaLimits = nullptr;
 
 // -- Steps -----------------------------------------------------------------------
 
-// An anchor that is nothing to the matcher and always holds. It asks for its character.
+// An anchor of a kind that the matcher does not know, so that it goes on as if the anchor
+// held. To learn the kind it calls getData, and this call counts as a step.
 class CStep final : public Op {
  public:
   CStep(const Op* pNext, const XMLCh* pPattern, xercesc::MemoryManager* pManager)
@@ -101,6 +102,7 @@ class CStepper {
     for (XMLSize_t i = 0; i < spelled; ++i) Link(*m_All.elementAt(i));
     const Op*& pFirst = m_Pattern.*CExpressionParts::kFirst;
     pFirst = Before(pFirst);
+    Add(nullptr);  // leads nowhere, and shows that this was done
   }
 
   bool MayTakeLong() const {
@@ -155,12 +157,14 @@ class CStepper {
 
   const Op* StepBefore(const Op* pOp) {
     const Op*& pStep = m_Steps[pOp];
-    if (pStep == nullptr) {
-      xercesc::MemoryManager* pMemory = m_Pattern.*CExpressionParts::kMemory;
-      auto* pNew = new (pMemory) CStep(pOp, m_Pattern.*CExpressionParts::kPattern, pMemory);
-      m_All.addElement(pNew);
-      pStep = pNew;
-    }
+    if (pStep == nullptr) pStep = Add(pOp);
+    return pStep;
+  }
+
+  const Op* Add(const Op* pNext) {
+    xercesc::MemoryManager* pMemory = m_Pattern.*CExpressionParts::kMemory;
+    auto* pStep = new (pMemory) CStep(pNext, m_Pattern.*CExpressionParts::kPattern, pMemory);
+    m_All.addElement(pStep);
     return pStep;
   }
 
@@ -190,6 +194,7 @@ void LimitAll(xercesc::RefHashTableOfEnumerator<Grammar> grammars) {
 
 CSchemaLimits::CLoad::CLoad(CSchemaLimits& limits)
     : m_pOuter(std::exchange(t_pSchemaLimits, &limits)) {
+  limits.m_HasSchema = false;
   limits.m_Steps = 0;
   limits.m_Most = kSteps;
 }
@@ -197,7 +202,8 @@ CSchemaLimits::CLoad::CLoad(CSchemaLimits& limits)
 CSchemaLimits::CLoad::~CLoad() { t_pSchemaLimits = m_pOuter; }
 
 void CSchemaLimits::RequireStack() {
-  if (t_pSchemaLimits == nullptr || StackRoom() != 0) return;
+  const bool isAtRisk = t_pSchemaLimits != nullptr && t_pSchemaLimits->m_HasSchema;
+  if (!isAtRisk || StackRoom() != 0) return;
   StopForStack(t_pSchemaLimits->m_Stop);
 }
 

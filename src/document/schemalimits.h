@@ -39,7 +39,9 @@ class CSchemaLimits {
   void AllowValues(size_t count) { m_Most += count * kStepsOfValue; }
   // For the time that a match takes in any case.
   void CountMatch() { m_Steps += kStepsOfMatch; }
-  // While a grammar is made: ends the load of this thread, if any, where the stack runs out.
+  // The load reads a schema: from now on the making of its grammar needs stack.
+  void OnSchema() { m_HasSchema = true; }
+  // Ends the load of this thread, if it has read a schema, where the stack runs out.
   static void RequireStack();
   static void StopForStack(CLoadStop& stop);
   // Of a pattern, which is named if it has to stop.
@@ -51,12 +53,14 @@ class CSchemaLimits {
   static constexpr uint64_t kStepsOfMatch = 10;
 
   CLoadStop& m_Stop;
+  bool m_HasSchema = false;
   uint64_t m_Steps = 0;
   uint64_t m_Most = kSteps;
 };
 
-// Puts steps into a pattern, if it has none yet. Whether some value may take long, and that
-// not only by its length.
+// Puts steps into a pattern, if it has none yet. True if it repeats something or branches
+// often, so that a match may take much longer than the value is long; false where the steps
+// were there already.
 bool LimitPattern(xercesc::RegularExpression& pattern);
 
 // Puts them into the patterns of all schemas that the scanner has read itself, or of a pool.

@@ -35,9 +35,9 @@ CSchemaReader::CSchemaReader(xercesc::MemoryManager& memory, xercesc::XMLGrammar
 void CSchemaReader::Read(const CNamedSchema& schema) {
   const CExpansionLimits::CLoad load(m_Limits);
   const CSchemaLimits::CLoad patterns(m_SchemaLimits);
+  const CSchemaInspector::CLoad inspected(m_Inspector);
   m_pSchema = &schema;
   m_Stop.Begin();
-  m_Inspector.Begin();
   CPlaceOfName place =
       CPlaceOfName::InDocument(XMLUni::fgZeroLenString, schema.m_WholeName.c_str());
   place.NoteIn(m_Seen);

@@ -23,8 +23,8 @@ template <class Source>
 void CTreeParser::Parse(const Source& source, const XMLCh* pName) {
   const CExpansionLimits::CLoad load(m_Limits);
   const CSchemaLimits::CLoad patterns(m_SchemaLimits);
+  const CSchemaInspector::CLoad inspected(m_Inspector);
   m_Stop.Begin();
-  m_Inspector.Begin();
   m_Prefixes.Begin();
   m_Names.Begin();
   m_Encoding.clear();
