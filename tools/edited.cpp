@@ -118,8 +118,10 @@ void CEditedFile::ApplyEachConfirmed(const std::vector<CEdit>& edits) {
   for (auto edit = edits.begin(); edit != edits.end(); ++edit) {
     const bool isChanged = Change(*edit);
     if (isChanged && IsConfirmed()) continue;
-    if (isChanged && m_ConcernsDeclarations) {
-      throw CFailure(Line(m_Input.Name(), "names that stand there need the namespace declared"));
+    if (m_ConcernsDeclarations) {
+      const char* pWhy = isChanged ? "names that stand there need the namespace declared"
+                                   : "a namespace is declared only in a text that is kept";
+      throw CFailure(Line(m_Input.Name(), pWhy));
     }
     m_Source.reset();
     if (!isChanged) continue;

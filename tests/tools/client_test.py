@@ -370,6 +370,8 @@ faults.xml:4:{4 + 3 * i}: entity 'z' not found
          "tessel: external.xml: its text cannot be changed in part, so it is written anew\n"),
     Case("delete kinds.xml //@size", 0, re.compile(r'<\?xml .*<k name="a&quot;b">.*', re.S),
          "tessel: kinds.xml: its text cannot be changed in part, so it is written anew\n"),
+    Case("edit --delete //@size --set-attribute /* xmlns:z urn:z kinds.xml", 1,
+         err="tessel: kinds.xml: a namespace is declared only in a text that is kept\n"),
     Case("set nested.xml / x", 1,
          err="tessel: nested.xml: a document has no value that can be set\n"),
     Case("set nested.xml //gone x", 1, err="tessel: nested.xml: nothing found: //gone\n"),
