@@ -17,12 +17,6 @@ using xercesc::XMLString;
 
 namespace {
 
-// What the reader is made with, and what hence outlives it.
-class CMemoryOfReader {
- protected:
-  CParserMemory m_Memory;
-};
-
 constexpr uint64_t kMostOperations = 1'000'000;  // of a pattern; 64 bytes each
 constexpr size_t kDeepest = 100;                 // groups and classes in a pattern
 // What a part of a content model takes, measured with a margin; bytes of stack. On its way
@@ -41,6 +35,12 @@ std::u16string Normalized(const std::u16string& value,
 }
 
 }  // namespace
+
+// What the reader is made with, and what hence outlives it.
+class CMemoryOfReader {
+ protected:
+  CParserMemory m_Memory;
+};
 
 // Reads a schema as the parser does, and keeps nothing. What is wrong with it, the parser
 // will say. It opens what the schema names before the parser does, so it notes the files.
