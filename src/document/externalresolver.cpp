@@ -30,7 +30,7 @@ CPlaceOfName Empty(const XMLCh* pName) {
 
 }  // namespace
 
-std::unique_ptr<InputSource> CExternalResolver::Document(const char* pName) {
+std::unique_ptr<CExternalSource> CExternalResolver::Document(const char* pName) {
   CPlaceOfName place = CPlaceOfName::OfDocument(pName);
   if (place.m_pSource == nullptr) return nullptr;
   m_Policy.SetDocument(place.m_Path);

@@ -26,7 +26,7 @@ class CExternalResolver {
 
   // The document itself, which may always be read. Null where there is no current folder
   // and the name needs one.
-  std::unique_ptr<xercesc::InputSource> Document(const char* pName);
+  std::unique_ptr<CExternalSource> Document(const char* pName);
 
   // What the name leads to, opened; stops the load where that is refused. Null leaves a
   // thing without name to the parser. A document type that is not needed is read as

@@ -58,6 +58,7 @@ struct CWatch {
 class CExternalSource final : public xercesc::InputSource {
  public:
   CExternalSource(CPlaceOfName place, CAnswer answer, const CWatch& watch);
+  const CPlaceOfName& Place() const { return m_Place; }
   // Null where there is nothing: the parser says so by name.
   xercesc::BinInputStream* makeStream() const override;
 

@@ -4,8 +4,10 @@
 #include <xercesc/validators/DTD/DTDElementDecl.hpp>
 
 #include "document/contentmodel.h"
+#include "document/plaintext.h"
 #include "document/positionfinder.h"
 #include "document/scannertables.h"
+#include "document/wholefile.h"
 #include "dom/look.h"
 #include "host/guards.h"
 
@@ -21,6 +23,7 @@ CTreeParser::CTreeParser()
 
 template <class Source>
 void CTreeParser::Parse(const Source& source, const XMLCh* pName) {
+  m_IsPlain = false;
   const CExpansionLimits::CLoad load(m_Limits);
   const CSchemaLimits::CLoad patterns(m_SchemaLimits);
   const CSchemaInspector::CLoad inspected(m_Inspector);
@@ -37,16 +40,37 @@ void CTreeParser::Parse(const Source& source, const XMLCh* pName) {
   m_Resolver.Lost().Free();
 }
 
-void CTreeParser::ParseLimited(const xercesc::InputSource& text) {
+void CTreeParser::ParseLimited(const xercesc::InputSource& text, std::string_view bytes) {
+  if (MayBePlain() && ParsePlain(text.getSystemId(), bytes)) return;
   Policy().SetDocument("");
   Parse(*m_Capture.Watch(text), text.getSystemId());
+}
+
+// Whether the options ask for no more of a text than its tree.
+bool CTreeParser::MayBePlain() const {
+  return getValidationScheme() != Val_Always && !getDoSchema() && !m_KeepsPositions;
+}
+
+// What was said of an earlier text, and its tree if nobody took that, go as the scanner would
+// have it.
+bool CTreeParser::ParsePlain(const XMLCh* pName, std::string_view bytes) {
+  auto document = BuildPlain(bytes, pName, getDoNamespaces());
+  if (document == nullptr) return false;
+  resetErrors();
+  resetDocument();
+  fDocument = &dom::Impl(*document.release());
+  m_IsPlain = true;
+  return true;
 }
 
 // That there is no current folder is for the parser to say.
 void CTreeParser::ParseLimited(const char* pName) {
   const auto pSource = m_Resolver.Document(pName);
-  if (pSource != nullptr) return Parse(*m_Capture.Watch(*pSource), pSource->getSystemId());
-  Parse(pName, xercesc::XMLUni::fgZeroLenString);
+  if (pSource == nullptr) return Parse(pName, xercesc::XMLUni::fgZeroLenString);
+  const XMLCh* pAddress = pSource->getSystemId();
+  const auto pFile = MayBePlain() ? CWholeFile::Read(*pSource) : nullptr;
+  if (pFile == nullptr) return Parse(*m_Capture.Watch(*pSource), pAddress);
+  if (!ParsePlain(pAddress, pFile->Bytes())) Parse(*m_Capture.Watch(*pFile), pAddress);
 }
 
 void CTreeParser::error(unsigned int code, const XMLCh* pDomain, ErrTypes type, const XMLCh* pText,

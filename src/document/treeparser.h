@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string_view>
 #include <unordered_set>
 #include <vector>
 
@@ -39,8 +40,8 @@ class CTreeParser final : private CPartsOfParser, public dom::CBuilder {
 
   CTreeParser();
 
-  // As parse, which must not be called.
-  void ParseLimited(const xercesc::InputSource& text);
+  // As parse, which must not be called. The source reads `bytes`, behind which a NUL stands.
+  void ParseLimited(const xercesc::InputSource& text, std::string_view bytes);
   void ParseLimited(const char* pName);  // a file or an address
 
   // What the document may read beside itself, and what its expansions may come to.
@@ -49,7 +50,7 @@ class CTreeParser final : private CPartsOfParser, public dom::CBuilder {
   CNamedSchemas& Schemas() { return m_Schemas; }
 
   // Of the last parse, with those of the schemas that the host names.
-  XMLSize_t ErrorCount() const { return getErrorCount() + m_Schemas.FaultCount(); }
+  XMLSize_t ErrorCount() const { return m_IsPlain ? 0 : getErrorCount() + m_Schemas.FaultCount(); }
 
   // Whether a load notes where its nodes stand. Other parses never do.
   void SetKeepPositions(bool keeps) { m_KeepsPositions = keeps; }
@@ -98,6 +99,8 @@ class CTreeParser final : private CPartsOfParser, public dom::CBuilder {
   // The name of the document is asked for where relative names begin.
   template <class Source>
   void Parse(const Source& source, const XMLCh* pName);
+  bool MayBePlain() const;
+  bool ParsePlain(const XMLCh* pName, std::string_view bytes);
   void NeedRoom(XMLSize_t names);
   void MakeDefaults();
   void GoDeeper();
@@ -112,6 +115,7 @@ class CTreeParser final : private CPartsOfParser, public dom::CBuilder {
   dom::CNameRoom m_Names;
   CSourceCapture m_Capture;
   bool m_KeepsPositions = false;
+  bool m_IsPlain = false;     // the last text, which needed no scanner
   std::u16string m_Encoding;  // what the declaration led to; empty for no declaration
   std::size_t m_Level = 0;    // inside the outermost reference, 0 for outside
   // Elements whose defaults wait for the end of the subset.

@@ -49,7 +49,8 @@ TSXStatus LoadText(TSXRefId document, HStr* pText, EBytes bytes, HStr* pParseErr
   auto* pDom = FindObject<CXercesDOM>(document);
   if (pDom == nullptr) return domErrRefDocument;
   return Load(*pDom, kStringTexts, pParseErrors, pExceptionText, [&] {
-    return ParseAndTake(*pDom, CStringSource(pText, bytes, "LoadXMLString").Get());
+    const CStringSource source(pText, bytes, "LoadXMLString");
+    return ParseAndTake(*pDom, source.Get(), source.Bytes());
   });
 }
 

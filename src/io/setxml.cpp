@@ -43,7 +43,7 @@ TSXStatus TSXElementSetXML(TSXRefId element, HStr* xmlText, HStr* parseErrors,
   if (pDom == nullptr) return domErrRefDocument;
   return RunParse(kTexts, exceptionText, [&]() -> TSXStatus {
     const CStringSource source(xmlText, EBytes::kToNul, "SetXMLString");
-    const CDOMOwner<DOMDocument> parsed = ParseAndTake(*pDom, source.Get());
+    const CDOMOwner<DOMDocument> parsed = ParseAndTake(*pDom, source.Get(), source.Bytes());
     const TSXStatus status = parsed != nullptr ? ReplaceElement(element, *pElement, *parsed) : 0;
     return status != 0 ? status : ReportParse(*pDom, parseErrors);
   });

@@ -110,7 +110,8 @@ TEST_F(Disk, WhatCannotBeOpenedStaysAsItIs) {
 
 // -- Files that change ------------------------------------------------------------
 
-// The XML library's way to files, with something that happens at the second read.
+// The XML library's way to files, with something that happens between two reads, once unless
+// it throws.
 class CMeddling final : public xercesc::PosixFileMgr {
  public:
   explicit CMeddling(std::function<void()> meddle)
@@ -121,7 +122,11 @@ class CMeddling final : public xercesc::PosixFileMgr {
 
   XMLSize_t fileRead(xercesc::FileHandle file, XMLSize_t most, XMLByte* pBytes,
                      xercesc::MemoryManager* pMemory) override {
-    if (++m_Reads == 2) m_Meddle();
+    ++m_Reads;
+    if (!m_HasMeddled && curPos(file, pMemory) != 0) {
+      m_Meddle();
+      m_HasMeddled = true;
+    }
     return PosixFileMgr::fileRead(file, most, pBytes, pMemory);
   }
   int Reads() const { return m_Reads; }
@@ -130,6 +135,7 @@ class CMeddling final : public xercesc::PosixFileMgr {
   xercesc::XMLFileMgr* m_pReal;
   std::function<void()> m_Meddle;
   int m_Reads = 0;
+  bool m_HasMeddled = false;
 };
 
 class Changing : public support::CLedgerTest {};
