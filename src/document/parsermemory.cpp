@@ -1,6 +1,5 @@
 #include "document/parsermemory.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <new>
 #include <xercesc/util/OutOfMemoryException.hpp>
@@ -19,21 +18,52 @@ CParserMemory::~CParserMemory() {
 }
 
 void* CParserMemory::allocate(XMLSize_t size) {
-  static_assert(sizeof(CLink) % alignof(std::max_align_t) == 0);
-  if (size > SIZE_MAX - sizeof(CLink)) throw xercesc::OutOfMemoryException();
-  void* pMemory = Heap().allocate(sizeof(CLink) + size);
-  auto* pLink = new (pMemory) CLink{&m_Blocks, m_Blocks.m_pNext};
-  pLink->m_pNext->m_pBefore = pLink;
-  m_Blocks.m_pNext = pLink;
-  return pLink + 1;
+  const std::size_t kind = size / kUnit + (size % kUnit != 0 ? 1 : 0);
+  if (kind >= kKinds) return AllocateLarge(size);
+  CHead* pHead = m_Free[kind];
+  if (pHead != nullptr) {
+    m_Free[kind] = pHead->m_pNext;
+  } else {
+    pHead = Cut(kind);
+  }
+  pHead->m_Kind = kind;
+  return pHead + 1;
+}
+
+CParserMemory::CHead* CParserMemory::Cut(std::size_t kind) {
+  const std::size_t size = (kind + 1) * kUnit;
+  if (m_LeftSize < size) {
+    m_pLeft = static_cast<std::byte*>(AllocateLarge(kCut));
+    m_LeftSize = kCut;
+  }
+  auto* pHead = new (m_pLeft) CHead{nullptr, {nullptr}};
+  m_pLeft += size;
+  m_LeftSize -= size;
+  return pHead;
+}
+
+void* CParserMemory::AllocateLarge(XMLSize_t size) {
+  static_assert(kUnit % alignof(std::max_align_t) == 0);
+  if (size > SIZE_MAX - kUnit) throw xercesc::OutOfMemoryException();
+  void* pMemory = Heap().allocate(kUnit + size);
+  auto* pHead = new (pMemory) CHead{&m_Blocks, {m_Blocks.m_pNext}};
+  pHead->m_pNext->m_pBefore = pHead;
+  m_Blocks.m_pNext = pHead;
+  return pHead + 1;
 }
 
 void CParserMemory::deallocate(void* pMemory) {
   if (pMemory == nullptr) return;
-  CLink* pLink = static_cast<CLink*>(pMemory) - 1;
-  pLink->m_pBefore->m_pNext = pLink->m_pNext;
-  pLink->m_pNext->m_pBefore = pLink->m_pBefore;
-  Heap().deallocate(pLink);
+  CHead* pHead = static_cast<CHead*>(pMemory) - 1;
+  if (pHead->m_pBefore == nullptr) {
+    CHead*& pFree = m_Free[pHead->m_Kind];
+    pHead->m_pNext = pFree;
+    pFree = pHead;
+    return;
+  }
+  pHead->m_pBefore->m_pNext = pHead->m_pNext;
+  pHead->m_pNext->m_pBefore = pHead->m_pBefore;
+  Heap().deallocate(pHead);
 }
 
 MemoryManager* CParserMemory::getExceptionMemoryManager() {
