@@ -4,9 +4,13 @@
 #ifndef TESSEL_TOOLS_CLIENT_H
 #define TESSEL_TOOLS_CLIENT_H
 
-#include <CLI/CLI.hpp>
 #include <functional>
 #include <string>
+
+// The argument parser: its headers take long to compile, and few sources need them.
+namespace CLI {
+class App;
+}
 
 // Exit statuses.
 inline constexpr int kDone = 0;

@@ -1,5 +1,6 @@
 // The subcommands that change documents: set, delete, insert, rename, and edit for
 // several changes or files.
+#include <CLI/CLI.hpp>
 #include <memory>
 #include <vector>
 

@@ -1,4 +1,5 @@
 // tessel: tries the library on files, and is the first program that hosts it.
+#include <CLI/CLI.hpp>
 #include <clocale>
 #include <csignal>
 #include <cstdlib>

@@ -1,6 +1,7 @@
 #include "prefixes.h"
 
 #include <tessel/xpath.h>
+#include <CLI/CLI.hpp>
 
 #include "message.h"
 

@@ -2,10 +2,10 @@
 #ifndef TESSEL_TOOLS_PREFIXES_H
 #define TESSEL_TOOLS_PREFIXES_H
 
-#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
 
+#include "client.h"
 #include "owners.h"
 
 struct CNameOptions {

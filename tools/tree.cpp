@@ -1,5 +1,6 @@
 #include <unistd.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 #include <vector>
