@@ -13,17 +13,20 @@
 
 namespace {
 
-[[noreturn]] void Fail(std::string_view file) { throw CFailure(Line(file, std::strerror(errno))); }
+[[noreturn]] void FailToWrite(std::string_view file) {
+  throw CFailure(Line(file, std::strerror(errno)));
+}
 
 }  // namespace
 
 void Print(std::string_view text) {
   EndProgress();
-  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) Fail("standard output");
+  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
+    FailToWrite("standard output");
 }
 
 void FlushOutput() {
-  if (std::fflush(stdout) != 0) Fail("standard output");
+  if (std::fflush(stdout) != 0) FailToWrite("standard output");
 }
 
 void PrintError(std::string_view lines) {
