@@ -32,9 +32,9 @@ const DOMNode* Holder(const DOMNode& node) {
   return static_cast<const DOMAttr&>(node).getOwnerElement();
 }
 
-unsigned FlagsOf(const DOMNode& node) {
+unsigned FlagsOf(const xercesc::DOMNodeImpl& part) {
   constexpr unsigned kOurMarks = 7u << 13;
-  return xercesc::castToNodeImpl(&node)->flags & ~kOurMarks;
+  return part.flags & ~kOurMarks;
 }
 
 template <class Visit>
@@ -68,8 +68,13 @@ DOMNode& CTwins::Choose(CBytes& bytes) const {
 void CTwins::Pair(const DOMNode* pOurs, DOMNode* pTheirs) {
   Require((pOurs == nullptr) == (pTheirs == nullptr), "result");
   if (pOurs == nullptr) return;
-  if (m_Twins.emplace(pOurs, pTheirs).second) m_Order.push_back(pOurs);
-  Require(m_Twins.at(pOurs) == pTheirs, "identity");
+  const auto [place, isNew] = m_Twins.try_emplace(pOurs);
+  if (isNew) {
+    // Found once, as asking for the parts is slow.
+    place->second = {pTheirs, xercesc::castToNodeImpl(pOurs), xercesc::castToNodeImpl(pTheirs)};
+    m_Order.push_back(pOurs);
+  }
+  Require(place->second.m_pTheirs == pTheirs, "identity");
   const auto* pMap = pOurs->getAttributes();
   const auto* pTheirMap = pTheirs->getAttributes();
   const XMLSize_t count = pMap != nullptr ? pMap->getLength() : 0;
@@ -96,9 +101,12 @@ void CTwins::ForgetBelow(const DOMNode& ours) {
 }
 
 void CTwins::Compare(bool withIds) {
-  // What an edit made is found from the nodes that were there.
-  for (const DOMNode* pNode : std::vector(m_Order)) Pair(pNode, m_Twins.at(pNode));
-  for (const DOMNode* pNode : m_Order) CompareNode(*pNode, *m_Twins.at(pNode));
+  // What an edit made is found from the nodes that were there, and what hangs in one of
+  // these by way of it.
+  for (const DOMNode* pNode : std::vector(m_Order)) {
+    if (!m_Twins.contains(Holder(*pNode))) Pair(pNode, &TwinOf(*pNode));
+  }
+  for (const DOMNode* pNode : m_Order) CompareNode(*pNode, m_Twins.at(pNode));
   CompareLink(m_pOurs->getDocumentElement(), m_pTheirs->getDocumentElement(), "element");
   CompareLink(m_pOurs->getDoctype(), m_pTheirs->getDoctype(), "type");
   for (const char16_t* pId : {u"i", u"j", u"k", u"v"}) {
@@ -107,9 +115,10 @@ void CTwins::Compare(bool withIds) {
   }
 }
 
-void CTwins::CompareNode(const DOMNode& ours, const DOMNode& theirs) {
+void CTwins::CompareNode(const DOMNode& ours, const CTwin& twin) {
+  const DOMNode& theirs = *twin.m_pTheirs;
   Require(ours.getNodeType() == theirs.getNodeType(), "type");
-  Require(FlagsOf(ours) == FlagsOf(theirs), "flags");
+  Require(FlagsOf(*twin.m_pOurPart) == FlagsOf(*twin.m_pTheirPart), "flags");
   CompareText(ours.getNodeName(), theirs.getNodeName(), "name");
   CompareText(ours.getNodeValue(), theirs.getNodeValue(), "value");
   CompareText(ours.getNamespaceURI(), theirs.getNamespaceURI(), "namespace");
@@ -125,7 +134,7 @@ void CTwins::CompareNode(const DOMNode& ours, const DOMNode& theirs) {
 
 void CTwins::CompareLink(const DOMNode* pOurs, const DOMNode* pTheirs, const char* pLink) {
   Require((pOurs == nullptr) == (pTheirs == nullptr), pLink);
-  if (pOurs != nullptr) Require(m_Twins.at(pOurs) == pTheirs, pLink);
+  if (pOurs != nullptr) Require(&TwinOf(*pOurs) == pTheirs, pLink);
 }
 
 void CTwins::CompareText(const XMLCh* pOurs, const XMLCh* pTheirs, const char* pWhat) {

@@ -2,10 +2,11 @@
 // DOM, the other by the DOM's own methods.
 #pragma once
 
-#include <map>
 #include <string>
+#include <unordered_map>
 #include <vector>
 #include <xercesc/dom/DOM.hpp>
+#include <xercesc/dom/impl/DOMNodeImpl.hpp>
 
 #include "harness.h"
 
@@ -25,7 +26,7 @@ class CTwins {
 
   // One of our nodes, in the order in which they came; the DOM's one in its place.
   DOMNode& Choose(CBytes& bytes) const;
-  DOMNode& TwinOf(const DOMNode& ours) const { return *m_Twins.at(&ours); }
+  DOMNode& TwinOf(const DOMNode& ours) const { return *m_Twins.at(&ours).m_pTheirs; }
 
   // Enters two new nodes and what is in them. Null for both is no pair.
   void Pair(const DOMNode* pOurs, DOMNode* pTheirs);
@@ -40,14 +41,20 @@ class CTwins {
   void Compare(bool withIds);
 
  private:
-  void CompareNode(const DOMNode& ours, const DOMNode& theirs);
+  // The other node of a pair, and the parts of both that hold their flags.
+  struct CTwin {
+    DOMNode* m_pTheirs;
+    const xercesc::DOMNodeImpl* m_pOurPart;
+    const xercesc::DOMNodeImpl* m_pTheirPart;
+  };
+  void CompareNode(const DOMNode& ours, const CTwin& twin);
   void CompareLink(const DOMNode* pOurs, const DOMNode* pTheirs, const char* pLink);
   void CompareText(const XMLCh* pOurs, const XMLCh* pTheirs, const char* pWhat);
   void Require(bool isEqual, const char* pWhat) const;
 
   xercesc::DOMDocument* m_pOurs;
   xercesc::DOMDocument* m_pTheirs;
-  std::map<const DOMNode*, DOMNode*> m_Twins;
+  std::unordered_map<const DOMNode*, CTwin> m_Twins;
   std::vector<const DOMNode*> m_Order;
   std::string m_Edit;
 };

@@ -25,8 +25,8 @@ __attribute__((destructor)) static void check_ledger(void) {
 }
 """
 
-C_FRAME = """
-int main(void) {
+TASK = """
+static void task_NUMBER(void) {
   const char* xml = "<floor><tile size=\\"20\\"/><tile size=\\"30\\"/></floor>";
   (void)xml;
   SETUP
@@ -34,9 +34,10 @@ int main(void) {
     PIECE
   }
   CLEANUP
-  return 0;
 }
 """
+
+MARK = "-- task"
 
 # Of each library: its package, what stands before main, and the tree of the later tasks.
 LIBRARIES = {
@@ -114,18 +115,24 @@ def answers(folder):
 
 def tasks(folder):
     page = (DOCS / "comparison.md").read_text()
-    for number, section in enumerate(page.split("\n## ")[1:]):
-        title = section.split("\n")[0]
-        printed = set()
-        pieces = FENCE.findall(section)
-        for (language, code), (name, library) in zip(pieces, LIBRARIES.items(), strict=True):
-            packages, head, setup, cleanup = library
-            main = C_FRAME.replace("PIECE", code)
-            main = main.replace("SETUP", setup if number else "")
-            main = main.replace("CLEANUP", cleanup if number else "")
-            printed.add(run_program(f"{title}: {name}", head + main, packages, folder, language))
-        if len(printed) != 1 or printed == {""}:
-            problems.append(f"{title}: printed {printed}")
+    sections = page.split("\n## ")[1:]
+    columns = zip(*map(FENCE.findall, sections), strict=True)
+    printed = []
+    # One program of each library, which says where each task begins.
+    for column, (name, library) in zip(columns, LIBRARIES.items(), strict=True):
+        packages, head, setup, cleanup = library
+        main = ""
+        for number, (language, code) in enumerate(column):
+            task = TASK.replace("PIECE", code).replace("NUMBER", str(number))
+            task = task.replace("SETUP", setup if number else "")
+            head += task.replace("CLEANUP", cleanup if number else "")
+            main += f'  puts("{MARK}"); task_{number}();\n'
+        source = f"{head}\nint main(void) {{\n{main}  return 0;\n}}\n"
+        text = run_program(f"comparison: {name}", source, packages, folder, language)
+        printed.append((text or "").split(f"{MARK}\n")[1:])
+    for section, *texts in zip(sections, *printed):
+        if len(set(texts)) != 1 or texts[0] == "":
+            problems.append(f"{section.splitlines()[0]}: printed {texts}")
 
 
 with tempfile.TemporaryDirectory() as work:

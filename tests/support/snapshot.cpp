@@ -1,6 +1,7 @@
 #include "support/snapshot.h"
 
 #include <cstdio>
+#include <unordered_map>
 #include <utility>
 #include <xercesc/util/XMLString.hpp>
 
@@ -114,10 +115,18 @@ class CTeller {
     }
   }
 
+  // Each parent is looked through once, however many texts it has.
+  bool IsAmongElements(const DOMNode& text) {
+    const DOMNode* pParent = text.getParentNode();
+    if (pParent == nullptr) return false;
+    const auto [place, isNew] = m_HaveElementsAlone.try_emplace(pParent);
+    if (isNew) place->second = HasElementsAlone(*pParent);
+    return place->second;
+  }
+
   void TellText(const DOMNode& node) {
     const bool isLayout = May(ETold::kLayout) && node.getNodeType() == DOMNode::TEXT_NODE &&
-                          node.getParentNode() != nullptr && IsSpace(node) &&
-                          HasElementsAlone(*node.getParentNode());
+                          IsSpace(node) && IsAmongElements(node);
     if (isLayout) return;
     if (May(ETold::kRuns)) {
       m_Run += node.getNodeValue();
@@ -188,6 +197,7 @@ class CTeller {
   ETold m_Told;
   size_t m_Indent = 0;
   std::u16string m_Run;
+  std::unordered_map<const DOMNode*, bool> m_HaveElementsAlone;
   std::string m_Text;
 };
 
