@@ -40,9 +40,12 @@ void CompareWays(TSXRefId context, std::string_view path) {
   std::u16string message;
   const auto evaluate = [&](EPlainPaths way) {
     std::vector<xercesc::DOMNode*> nodes;
+    std::u16string value;
     const auto status =
         RunXPath([&] { nodes = XPathManager(pNode, way).Evaluate(text.c_str()); }, message);
-    return std::make_pair(status, nodes);
+    const auto valueStatus =
+        RunXPath([&] { value = XPathManager(pNode, way).EvaluateText(text.c_str()); }, message);
+    return std::make_tuple(status, nodes, valueStatus, value);
   };
   if (evaluate(EPlainPaths::kOnDom) != evaluate(EPlainPaths::kByXalan)) {
     fuzz::Fail("the two ways of evaluation differ");

@@ -11,10 +11,6 @@
 
 // Rewrites an expression that has been found correct, without changing its value:
 //
-// - "//x" becomes "/descendant::x". The one is short for a step to every node and
-//   another to the children of each, whose results Xalan-C merges one by one; the
-//   other gives the same nodes in one go, unless a predicate counts or the step has
-//   an axis of its own.
 // - A calculated argument of string, string-length and concat goes through
 //   translate, as those three turn numbers into text past CNumberGuard.
 // - A calculated right side of "mod" loses its sign, which means nothing: Xalan-C
@@ -24,7 +20,6 @@ class CExpressionForm {
   explicit CExpressionForm(const CLexedExpression& expression) : m_Text(expression.Text()) {
     for (const CToken& token : expression.Tokens()) m_Pieces.push_back({token});
     for (std::size_t i = 0; i < m_Pieces.size(); ++i) {
-      TakeDescendants(i);
       TakeTextFunction(i);
       TakeModulus(i);
     }
@@ -39,7 +34,7 @@ class CExpressionForm {
       const auto offset = static_cast<std::size_t>(piece.m_Token.m_Text.data() - m_Text.data());
       result.append(m_Text, done, offset - done);
       done = offset + piece.m_Token.m_Text.size();
-      result.append(piece.m_Before).append(piece.m_Token.m_Text.substr(piece.m_Cut));
+      result.append(piece.m_Before).append(piece.m_Token.m_Text);
       result.append(piece.m_After);
     }
     return result;
@@ -48,7 +43,6 @@ class CExpressionForm {
  private:
   struct CPiece {
     CToken m_Token;
-    std::size_t m_Cut = 0;  // units of the token that are left out
     std::u16string m_Before = {};
     std::u16string m_After = {};
   };
@@ -85,48 +79,6 @@ class CExpressionForm {
     m_Pieces[first].m_Before += open;
     m_Pieces[end - 1].m_After.insert(0, close);
     m_IsChanged = true;
-  }
-
-  void TakeDescendants(std::size_t i) {
-    if (!Is(i, u"/") || !Is(i + 1, u"/") || !IsPlainStep(i + 2)) return;
-    m_Pieces[i + 1].m_Cut = 1;
-    m_Pieces[i + 1].m_After = u"descendant::";
-    m_IsChanged = true;
-  }
-
-  // A node test on the child axis, and predicates that do not count.
-  bool IsPlainStep(std::size_t i) const {
-    if (IsKind(i, EToken::kName)) {
-      const std::u16string_view name = m_Pieces[i].m_Token.m_Text;
-      if (name.find(u"::") != name.npos || Is(i + 1, u"::")) return false;
-      if (name.ends_with(u':')) ++i;
-    } else if (!Is(i, u"*")) {
-      return false;
-    }
-    ++i;
-    if (Is(i, u"(")) i = EndFrom(i + 1, false) + 1;
-    while (Is(i, u"[")) {
-      const std::size_t end = EndFrom(i + 1, false);
-      if (!IsCountless(i + 1, end)) return false;
-      i = end + 1;
-    }
-    return true;
-  }
-
-  // Whether the tokens of a predicate surely make a truth value, and without
-  // position() or last(): paths, literals, comparisons and their connections.
-  bool IsCountless(std::size_t i, std::size_t end) const {
-    bool hasNumber = false;
-    bool hasTruth = false;
-    for (; i < end; ++i) {
-      if (IsOneOf(i, {u"(", u"[", u"$"})) return false;
-      if (IsKind(i, EToken::kOperator)) {
-        if (!IsOneOf(i, {u"=", u"!=", u"<", u"<=", u">", u">=", u"or", u"and"})) return false;
-        hasTruth = true;
-      }
-      hasNumber = hasNumber || IsKind(i, EToken::kNumber);
-    }
-    return hasTruth || !hasNumber;
   }
 
   void TakeTextFunction(std::size_t i) {

@@ -6,50 +6,15 @@
 #include <vector>
 
 #include "xpath/expressionlexer.h"
+#include "xpath/plainfunctions.h"
 #include "xpath/xpathmanager.h"
 
 namespace {
 
 using plain::EType;
 
-struct CFunctionType {
-  std::u16string_view m_Name;
-  EType m_Type;
-};
-
-constexpr CFunctionType kFunctions[] = {
-    {u"last", EType::kNumber},
-    {u"position", EType::kNumber},
-    {u"count", EType::kNumber},
-    {u"id", EType::kNodes},
-    {u"local-name", EType::kText},
-    {u"namespace-uri", EType::kText},
-    {u"name", EType::kText},
-    {u"string", EType::kText},
-    {u"concat", EType::kText},
-    {u"starts-with", EType::kTruth},
-    {u"contains", EType::kTruth},
-    {u"substring-before", EType::kText},
-    {u"substring-after", EType::kText},
-    {u"substring", EType::kText},
-    {u"string-length", EType::kNumber},
-    {u"normalize-space", EType::kText},
-    {u"translate", EType::kText},
-    {u"boolean", EType::kTruth},
-    {u"not", EType::kTruth},
-    {u"true", EType::kTruth},
-    {u"false", EType::kTruth},
-    {u"lang", EType::kTruth},
-    {u"number", EType::kNumber},
-    {u"sum", EType::kNumber},
-    {u"floor", EType::kNumber},
-    {u"ceiling", EType::kNumber},
-    {u"round", EType::kNumber},
-};
-
 EType TypeOfCall(std::u16string_view name) {
-  const auto* pFound = std::ranges::find(kFunctions, name, &CFunctionType::m_Name);
-  if (pFound != std::end(kFunctions)) return pFound->m_Type;
+  if (const auto* pFunction = plain::FindFunction(name)) return pFunction->m_Type;
   throw KelXPathException(domErrXPathXSL,
                           u"The function '" + std::u16string(name) + u"' is not implemented.");
 }

@@ -8,9 +8,19 @@
 #include <vector>
 #include <xercesc/dom/DOM.hpp>
 
+#include "dom/look.h"
 #include "xpath/plainform.h"
 
 namespace plain {
+
+inline bool IsAttribute(const xercesc::DOMNode& node) {
+  return node.getNodeType() == xercesc::DOMNode::ATTRIBUTE_NODE;
+}
+
+// Attributes have no children here.
+inline xercesc::DOMNode* FirstBelow(const xercesc::DOMNode& node) {
+  return IsAttribute(node) ? nullptr : dom::FirstChild(node);
+}
 
 // Borrows something that takes a node and says whether it wants more.
 class CVisitor {
@@ -70,13 +80,16 @@ class CPlainEvaluation {
  private:
   using CSteps = std::vector<CStep>;
 
-  // -- Steps (plainsteps.cpp). A visit that gives false ends them, and they give false.
+  // -- Axes (plainaxes.cpp) and steps (plainsteps.cpp). A visit that gives false ends them,
+  // and they give false.
   bool Matches(const CTest& test, const xercesc::DOMNode& node, xercesc::DOMNode::NodeType type,
                xercesc::DOMNode::NodeType principal) const;
   bool Matches(const CStep& step, const xercesc::DOMNode& node,
                xercesc::DOMNode::NodeType type) const;
   bool Walk(const CStep& step, xercesc::DOMNode& from, CVisitor visit, CDepth* pDepth);
   bool WalkBelow(const CStep& step, xercesc::DOMNode& from, CVisitor visit, CDepth* pDepth);
+  bool WalkFollowing(const CStep& step, xercesc::DOMNode& from, CVisitor visit);
+  bool WalkPreceding(const CStep& step, xercesc::DOMNode& from, CVisitor visit);
   bool Apply(const CStep& step, xercesc::DOMNode& from, CVisitor visit, CDepth* pDepth);
   bool ApplyCounting(const CStep& step, xercesc::DOMNode& from, CVisitor visit, CDepth* pDepth);
   bool ApplyToList(const CStep& step, xercesc::DOMNode& from, CVisitor visit);
@@ -101,16 +114,27 @@ class CPlainEvaluation {
   // -- Values (plainvalues.cpp)
   bool Exists(const CExpression& expression, const CFocus& focus);
   xercesc::DOMNode* First(const CExpression& expression, const CFocus& focus);
-  double Count(const CExpression& expression, const CFocus& focus);
+  void ForAll(const CExpression& expression, const CFocus& focus, CVisitor visit);
+  double Sum(const CExpression& expression, const CFocus& focus);
   bool Truth(const CExpression& expression, const CFocus& focus);
   double Number(const CExpression& expression, const CFocus& focus);
   double Calculate(const CExpression& expression, const CFocus& focus);
-  std::u16string_view Text(const CExpression& expression, const CFocus& focus,
-                           std::u16string& buffer);
-  std::u16string_view Name(const CExpression& expression, const CFocus& focus);
   std::u16string_view TextOf(const xercesc::DOMNode& node, std::u16string& buffer);
   double NumberIn(std::u16string_view text);
   double Limited(double number);
+
+  // -- Texts (plaintexts.cpp). They are the DOM's or the form's own, or stand in the buffer.
+  std::u16string_view Text(const CExpression& expression, const CFocus& focus,
+                           std::u16string& buffer);
+  std::u16string_view TextOfFunction(const CExpression& expression, const CFocus& focus,
+                                     std::u16string& buffer);
+  std::u16string_view Name(const CExpression& expression, const CFocus& focus);
+  std::u16string_view Concatenated(const CExpression& expression, const CFocus& focus,
+                                   std::u16string& buffer);
+  std::u16string_view Part(const CExpression& expression, const CFocus& focus,
+                           std::u16string& buffer);
+  std::u16string_view Translated(const CExpression& expression, const CFocus& focus,
+                                 std::u16string& buffer);
 
   // -- Comparisons (plaincomparisons.cpp)
   bool Compare(const CExpression& expression, const CFocus& focus);

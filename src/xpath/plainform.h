@@ -14,11 +14,9 @@
 // whenever it meets it. What people write every day goes another way: it is read once
 // into the form below, and evaluated by CPlainEvaluation. Such an expression is plain:
 //
-// - its axes are all but "following", "preceding" and "namespace"; its node tests are
-//   names and kinds of node;
-// - its predicates compare and connect paths, literals, numbers, position(), last() and
-//   a few functions (see kFunctions in plainreader.cpp), in the ways in which Xalan-C
-//   agrees with the standard;
+// - its axes are all but "namespace";
+// - its functions are all but id() and lang(), its operators and their operands those
+//   where Xalan-C agrees with the standard;
 // - it is short, and written without the liberties in which Xalan-C's grammar is its own.
 //
 // What is not plain, or no expression, goes to Xalan-C, so messages are always its own.
@@ -34,6 +32,8 @@ enum class EAxis : std::uint8_t {
   kAttribute,
   kFollowingSibling,
   kPrecedingSibling,
+  kFollowing,
+  kPreceding,
   kDescendant,
   kDescendantOrSelf,
   kChildOfEach,  // "//x[1]": the children of a node and of all below it, each of its parent
@@ -47,7 +47,7 @@ constexpr int kNoNamespace = -1;
 struct CTest {
   ETest m_Kind = ETest::kNode;
   int m_Namespace = kAnyNamespace;                  // or the number of a prefix
-  std::optional<std::u16string_view> m_Local = {};  // nothing is any
+  std::optional<std::u16string_view> m_Local = {};  // or an instruction's target; nothing is any
 
   bool operator==(const CTest&) const = default;
 };
@@ -71,9 +71,14 @@ enum class EKind : std::uint8_t {
   kTimes,
   kDivide,
   kModulo,
+  kNegate,
   kPosition,
   kLast,
   kCount,
+  kSum,
+  kFloor,
+  kCeiling,
+  kRound,
   kNot,
   kTrue,
   kFalse,
@@ -84,8 +89,15 @@ enum class EKind : std::uint8_t {
   kStartsWith,
   kLength,
   kNormalized,
+  kConcat,
+  kBefore,
+  kAfter,
+  kPart,
+  kTranslated,
   kName,
   kLocalName,
+  kNamespace,
+  kForeign,  // a function that Xalan-C evaluates
 };
 
 struct CPath;

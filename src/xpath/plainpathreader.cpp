@@ -20,6 +20,8 @@ constexpr std::pair<std::u16string_view, EAxis> kAxes[] = {
     {u"attribute", EAxis::kAttribute},
     {u"following-sibling", EAxis::kFollowingSibling},
     {u"preceding-sibling", EAxis::kPrecedingSibling},
+    {u"following", EAxis::kFollowing},
+    {u"preceding", EAxis::kPreceding},
     {u"descendant", EAxis::kDescendant},
     {u"descendant-or-self", EAxis::kDescendantOrSelf}};
 
@@ -32,8 +34,9 @@ bool ReadAxis(std::u16string_view name, EAxis& axis) {
 }
 
 bool LooksUp(EAxis axis) {
-  constexpr EAxis kUp[] = {EAxis::kParent, EAxis::kAncestor, EAxis::kAncestorOrSelf,
-                           EAxis::kFollowingSibling, EAxis::kPrecedingSibling};
+  constexpr EAxis kUp[] = {
+      EAxis::kParent,           EAxis::kAncestor,  EAxis::kAncestorOrSelf, EAxis::kFollowingSibling,
+      EAxis::kPrecedingSibling, EAxis::kFollowing, EAxis::kPreceding};
   return std::ranges::find(kUp, axis) != std::end(kUp);
 }
 
@@ -173,6 +176,11 @@ bool CReader::ReadTest(CStep& step) {
   if (Take(u"(")) {
     const auto kind = KindOfNode(name);
     test.m_Kind = kind.value_or(ETest::kNode);
+    if (test.m_Kind == ETest::kInstruction && IsNextKind(EToken::kLiteral)) {
+      CExpression target;
+      if (!ReadLiteral(target)) return false;
+      test.m_Local = target.m_Text;
+    }
     // To Xalan-C "@node()" is declarations, too.
     return kind && step.m_Axis != EAxis::kAttribute && Take(u")");
   }

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <xercesc/util/XMLChar.hpp>
+
+#include "xpath/plainfunctions.h"
 
 namespace plain {
 
@@ -14,98 +17,43 @@ constexpr std::size_t kMostDigits = 15;
 
 // -- Operators -----------------------------------------------------------------------
 
-enum class EOperands : std::uint8_t { kAny, kSizes, kNumbers };
-
 struct COperator {
   std::u16string_view m_Text;
   EKind m_Kind;
-  EOperands m_Operands;
-  bool m_IsSpaced;  // required, as letters, "-" and "*" are parts of other tokens, too
 };
 
 struct CLevel {
   EType m_Type;
   bool m_Chains;
+  bool m_TakesTruth;  // Xalan-C takes "<=" between truth values for "<"
   std::vector<COperator> m_Operators;
 };
 
 // Those that bind least come first.
 const std::vector<CLevel>& Levels() {
   using enum EKind;
-  using enum EOperands;
   static const std::vector<CLevel> s_Levels = {
-      {EType::kTruth, true, {{u"or", kOr, kAny, true}}},
-      {EType::kTruth, true, {{u"and", kAnd, kAny, true}}},
-      {EType::kTruth, false, {{u"=", kEqual, kAny, false}, {u"!=", kUnequal, kAny, false}}},
+      {EType::kTruth, true, true, {{u"or", kOr}}},
+      {EType::kTruth, true, true, {{u"and", kAnd}}},
+      {EType::kTruth, false, true, {{u"=", kEqual}, {u"!=", kUnequal}}},
       {EType::kTruth,
        false,
-       {{u"<", kLess, kSizes, false},
-        {u"<=", kLessOrEqual, kSizes, false},
-        {u">", kGreater, kSizes, false},
-        {u">=", kGreaterOrEqual, kSizes, false}}},
-      {EType::kNumber, false, {{u"+", kPlus, kNumbers, true}, {u"-", kMinus, kNumbers, true}}},
-      {EType::kNumber,
        false,
-       {{u"*", kTimes, kNumbers, true},
-        {u"div", kDivide, kNumbers, true},
-        {u"mod", kModulo, kNumbers, true}}},
+       {{u"<", kLess}, {u"<=", kLessOrEqual}, {u">", kGreater}, {u">=", kGreaterOrEqual}}},
+      {EType::kNumber, true, true, {{u"+", kPlus}, {u"-", kMinus}}},
+      {EType::kNumber, true, true, {{u"*", kTimes}, {u"div", kDivide}, {u"mod", kModulo}}},
   };
   return s_Levels;
 }
 
-bool CanBe(const CExpression& operand, EOperands operands) {
-  switch (operands) {
-    case EOperands::kAny:
-      return true;
-    case EOperands::kSizes:  // Xalan-C takes "<=" between truth values for "<"
-      return operand.m_Type != EType::kTruth;
-    case EOperands::kNumbers:
-      return operand.m_Type == EType::kNumber || operand.m_Type == EType::kNodes;
-  }
-  return false;
+bool CanBe(const CExpression& operand, const CLevel& level) {
+  return level.m_TakesTruth || operand.m_Type != EType::kTruth;
 }
 
 void Adopt(CExpression& expression, CExpression&& argument) {
   expression.m_Counts = expression.m_Counts || argument.m_Counts;
   expression.m_AsksForLast = expression.m_AsksForLast || argument.m_AsksForLast;
   expression.m_Arguments.push_back(std::move(argument));
-}
-
-// -- Functions -----------------------------------------------------------------------
-
-enum class EParameter : std::uint8_t { kAny, kNodes, kText };
-
-struct CFunction {
-  std::u16string_view m_Name;
-  EKind m_Kind;
-  EType m_Type;
-  std::uint8_t m_Least;
-  std::uint8_t m_Most;
-  EParameter m_Parameter = EParameter::kAny;
-};
-
-// Where an argument may be missing, it is the context node.
-constexpr CFunction kFunctions[] = {
-    {u"position", EKind::kPosition, EType::kNumber, 0, 0},
-    {u"last", EKind::kLast, EType::kNumber, 0, 0},
-    {u"true", EKind::kTrue, EType::kTruth, 0, 0},
-    {u"false", EKind::kFalse, EType::kTruth, 0, 0},
-    {u"not", EKind::kNot, EType::kTruth, 1, 1},
-    {u"boolean", EKind::kToTruth, EType::kTruth, 1, 1},
-    {u"count", EKind::kCount, EType::kNumber, 1, 1, EParameter::kNodes},
-    {u"number", EKind::kToNumber, EType::kNumber, 0, 1, EParameter::kText},
-    {u"string", EKind::kToText, EType::kText, 0, 1, EParameter::kText},
-    {u"contains", EKind::kContains, EType::kTruth, 2, 2, EParameter::kText},
-    {u"starts-with", EKind::kStartsWith, EType::kTruth, 2, 2, EParameter::kText},
-    {u"string-length", EKind::kLength, EType::kNumber, 0, 1, EParameter::kText},
-    {u"normalize-space", EKind::kNormalized, EType::kText, 0, 1, EParameter::kText},
-    {u"name", EKind::kName, EType::kText, 0, 1, EParameter::kNodes},
-    {u"local-name", EKind::kLocalName, EType::kText, 0, 1, EParameter::kNodes},
-};
-
-bool CanBe(const CExpression& argument, EParameter parameter) {
-  if (parameter == EParameter::kAny || argument.m_Type == EType::kNodes) return true;
-  return parameter == EParameter::kText && argument.m_Type == EType::kText;
 }
 
 CExpression ContextNode() {
@@ -142,12 +90,17 @@ bool CReader::ReadAll() {
   return m_Tokens.size() <= kMostTokens && ReadExpression(m_Form.m_Expression) && AtEnd();
 }
 
-bool CReader::IsSpaced(const CToken& token) const {
-  const std::u16string_view text = m_Text;
-  const auto begin = static_cast<std::size_t>(token.m_Text.data() - text.data());
-  const std::size_t end = begin + token.m_Text.size();
-  return begin > 0 && end < text.size() && kSpaces.find(text[begin - 1]) != kSpaces.npos &&
-         kSpaces.find(text[end]) != kSpaces.npos;
+// Xalan-C takes a word before a bracket for a function, and dots before a minus for a part
+// of what comes then.
+bool CReader::StandsApart(const CToken& token) const {
+  const auto isSpaceAt = [&](std::size_t at) {
+    return at < m_Text.size() && kSpaces.find(m_Text[at]) != kSpaces.npos;
+  };
+  const auto begin = static_cast<std::size_t>(token.m_Text.data() - m_Text.data());
+  const bool isBehindSpace = isSpaceAt(begin - 1);
+  if (token.Is(u"-")) return isBehindSpace || m_Tokens[m_At - 1].m_Kind != EToken::kDots;
+  const bool isWord = xercesc::XMLChar1_0::isNCNameChar(token.m_Text.front());
+  return !isWord || (isBehindSpace && isSpaceAt(begin + token.m_Text.size()));
 }
 
 bool CReader::ReadExpression(CExpression& expression) {
@@ -164,12 +117,11 @@ bool CReader::ReadLevel(std::size_t number, CExpression& expression) {
     const CToken& token = m_Tokens[m_At];
     const auto pOperator = std::ranges::find(level.m_Operators, token.m_Text, &COperator::m_Text);
     if (pOperator == level.m_Operators.end()) return true;
-    if ((count > 1 && !level.m_Chains) || (pOperator->m_IsSpaced && !IsSpaced(token))) return false;
+    if ((count > 1 && !level.m_Chains) || !StandsApart(token)) return false;
     ++m_At;
     CExpression right;
     if (!ReadLevel(number + 1, right)) return false;
-    const EOperands operands = pOperator->m_Operands;
-    if (!CanBe(expression, operands) || !CanBe(right, operands)) return false;
+    if (!CanBe(expression, level) || !CanBe(right, level)) return false;
     CExpression whole;
     whole.m_Kind = pOperator->m_Kind;
     whole.m_Type = level.m_Type;
@@ -181,6 +133,7 @@ bool CReader::ReadLevel(std::size_t number, CExpression& expression) {
 }
 
 bool CReader::ReadUnion(CExpression& expression) {
+  if (IsNext(u"-")) return ReadNegative(expression);
   if (!ReadOperand(expression)) return false;
   while (Take(u"|")) {
     CExpression other;
@@ -197,7 +150,6 @@ bool CReader::ReadOperand(CExpression& expression) {
   if (AtEnd()) return false;
   if (IsNextKind(EToken::kLiteral)) return ReadLiteral(expression);
   if (IsNextKind(EToken::kNumber)) return ReadNumber(expression);
-  if (IsNext(u"-")) return ReadNegative(expression);
   if (IsNext(u"(")) return ReadBrackets(expression);
   if (IsNextKind(EToken::kName) && IsAfterNext(u"(") && !IsKindOfNode(m_Tokens[m_At].m_Text) &&
       m_Tokens[m_At].m_Text.find(u':') == std::u16string_view::npos) {
@@ -218,7 +170,7 @@ bool CReader::ReadLiteral(CExpression& expression) {
 bool CReader::ReadNumber(CExpression& expression) {
   const std::u16string_view text = m_Tokens[m_At++].m_Text;
   const auto isPoint = [](char16_t unit) { return unit == u'.'; };
-  if (text.size() > kMostDigits || isPoint(text.front()) || isPoint(text.back()) ||
+  if (text.size() > kMostDigits || isPoint(text.back()) ||
       std::ranges::count_if(text, isPoint) > 1) {
     return false;
   }
@@ -229,21 +181,20 @@ bool CReader::ReadNumber(CExpression& expression) {
   return true;
 }
 
-// A minus before a number, after what cannot be its left side.
+// One minus; Xalan-C refuses a second.
 bool CReader::ReadNegative(CExpression& expression) {
-  constexpr std::u16string_view kBefore[] = {u"=",  u"!=", u"<", u"<=", u">",
-                                             u">=", u"(",  u"[", u","};
-  const auto isBefore = [&](std::u16string_view text) { return m_Tokens[m_At - 1].Is(text); };
-  if (m_At == 0 || std::ranges::none_of(kBefore, isBefore)) return false;
   ++m_At;
-  if (!IsNextKind(EToken::kNumber) || !ReadNumber(expression)) return false;
-  expression.m_Number = -expression.m_Number;
+  CExpression operand;
+  if (IsNext(u"-") || !ReadUnion(operand)) return false;
+  expression.m_Kind = EKind::kNegate;
+  expression.m_Type = EType::kNumber;
+  Adopt(expression, std::move(operand));
   return true;
 }
 
 bool CReader::ReadCall(CExpression& expression) {
-  const auto* pFunction = std::ranges::find(kFunctions, m_Tokens[m_At].m_Text, &CFunction::m_Name);
-  if (pFunction == std::end(kFunctions)) return false;
+  const CFunction* pFunction = FindFunction(m_Tokens[m_At].m_Text);
+  if (pFunction == nullptr || pFunction->m_Kind == EKind::kForeign) return false;
   m_At += 2;
   expression.m_Kind = pFunction->m_Kind;
   expression.m_Type = pFunction->m_Type;
@@ -252,14 +203,15 @@ bool CReader::ReadCall(CExpression& expression) {
   if (!Take(u")")) {
     do {
       CExpression argument;
-      if (!ReadExpression(argument) || !CanBe(argument, pFunction->m_Parameter)) return false;
+      if (!ReadExpression(argument)) return false;
+      if (pFunction->m_TakesNodes && argument.m_Type != EType::kNodes) return false;
       Adopt(expression, std::move(argument));
     } while (Take(u","));
     if (!Take(u")")) return false;
   }
   const std::size_t count = expression.m_Arguments.size();
   if (count < pFunction->m_Least || count > pFunction->m_Most) return false;
-  if (count < pFunction->m_Most) Adopt(expression, ContextNode());
+  if (count == 0 && pFunction->m_Most == 1) Adopt(expression, ContextNode());
   return !IsNext(u"[") && !IsNext(u"/");
 }
 

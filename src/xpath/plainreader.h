@@ -28,7 +28,7 @@ class CReader {
     if (isNext) ++m_At;
     return isNext;
   }
-  bool IsSpaced(const CToken& token) const;
+  bool StandsApart(const CToken& token) const;
 
   // -- Values (plainreader.cpp)
   bool ReadExpression(CExpression& expression);

@@ -15,13 +15,11 @@ namespace {
 
 constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
 
-bool IsAttribute(const DOMNode* pNode) { return pNode->getNodeType() == DOMNode::ATTRIBUTE_NODE; }
-
 bool IsDeep(EAxis axis) { return axis >= EAxis::kDescendant; }
 
 bool IsReverse(EAxis axis) {
   return axis == EAxis::kAncestor || axis == EAxis::kAncestorOrSelf ||
-         axis == EAxis::kPrecedingSibling;
+         axis == EAxis::kPrecedingSibling || axis == EAxis::kPreceding;
 }
 
 bool IsSibling(EAxis axis) {
@@ -95,6 +93,27 @@ void KeepOutermost(CNodes& set) {
   set.m_IsFlat = true;
   set.m_IsLevel = false;
 }
+
+bool IsBelow(const DOMNode& node, const DOMNode& above) {
+  const DOMNode* pUp = dom::ParentOrElement(node);
+  while (pUp != nullptr && pUp != &above) pUp = dom::ParentOrElement(*pUp);
+  return pUp != nullptr;
+}
+
+// What follows any node of a set follows the one that ends first; that is the first one, or
+// hangs in it.
+void KeepFirstToEnd(CNodes& set) {
+  DOMNode* pFirst = set.m_Nodes.front();
+  for (DOMNode* pNode : set.m_Nodes) {
+    if (pNode == pFirst) continue;
+    if (!IsBelow(*pNode, *pFirst)) break;
+    pFirst = pNode;
+  }
+  set.m_Nodes.assign(1, pFirst);
+}
+
+// What precedes any node of a set precedes the last one.
+void KeepLast(CNodes& set) { set.m_Nodes.assign(1, set.m_Nodes.back()); }
 
 void DropRepeated(CNodes& set) {
   set.m_Nodes.erase(std::unique(set.m_Nodes.begin(), set.m_Nodes.end()), set.m_Nodes.end());
@@ -176,8 +195,11 @@ void CPlainEvaluation::RunInOrder(const CStep* pStep, const CStep* pEnd, CNodes&
 // -- A step by itself -----------------------------------------------------------------
 
 void CPlainEvaluation::TakeStep(const CStep& step, CNodes& set) {
-  if (IsSibling(step.m_Axis)) std::erase_if(set.m_Nodes, IsAttribute);
+  if (IsSibling(step.m_Axis))
+    std::erase_if(set.m_Nodes, [](const DOMNode* p) { return IsAttribute(*p); });
   if (set.m_Nodes.empty()) return;
+  if (step.m_Axis == EAxis::kFollowing && !step.m_Counts) KeepFirstToEnd(set);
+  if (step.m_Axis == EAxis::kPreceding && !step.m_Counts) KeepLast(set);
   if (set.m_Nodes.size() == 1) return TakeFromOne(step, set);
   const bool isSimpleParent = step.m_Axis == EAxis::kParent && set.m_IsLevel;
   const bool isNext = IsSibling(step.m_Axis) && set.m_IsLevel && step.m_Predicates.size() == 1 &&

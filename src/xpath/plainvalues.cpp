@@ -17,23 +17,26 @@ bool IsWhole(double number) {
   return std::fabs(number) < kMostWhole && number == std::trunc(number);
 }
 
+// To the nearest whole number; of two, as Xalan-C does, to the greater one, never to -0.
+double Rounded(double number) {
+  if (!(std::fabs(number) < kMostWhole)) return number;
+  if (number > 0) return std::floor(number + 0.5);
+  const double whole = std::trunc(number);
+  return (number - whole == -0.5 ? whole : std::trunc(number - 0.5)) + 0.0;
+}
+
+// NaN has no sign here.
+double Negated(double number) { return std::isnan(number) ? number : -number; }
+
 }  // namespace
 
 // -- Of the form -------------------------------------------------------------------------
 
 std::optional<std::u16string> CPlainEvaluation::Text() {
-  const CExpression& expression = m_Form.Expression();
-  std::u16string text;
-  if (expression.m_Type == EType::kTruth) {
-    text = Truth(expression, {m_Context}) ? u"true" : u"false";
-  } else if (expression.m_Type == EType::kNumber) {
-    text = ToText(Limited(Number(expression, {m_Context})));
-  } else {
-    std::u16string buffer;
-    text = Text(expression, {m_Context}, buffer);
-  }
+  std::u16string buffer;
+  const std::u16string_view text = Text(m_Form.Expression(), {m_Context}, buffer);
   if (m_GaveUp) return std::nullopt;
-  return text;
+  return std::u16string(text);
 }
 
 std::optional<double> CPlainEvaluation::Number() {
@@ -57,8 +60,9 @@ std::u16string_view CPlainEvaluation::TextOf(const DOMNode& node, std::u16string
 }
 
 double CPlainEvaluation::Limited(double number) {
-  if (std::fabs(number) >= kTooLarge) GiveUp();
-  return number;
+  if (!(std::fabs(number) >= kTooLarge)) return number;
+  GiveUp();
+  return 0;
 }
 
 double CPlainEvaluation::NumberIn(std::u16string_view text) {
@@ -85,15 +89,23 @@ DOMNode* CPlainEvaluation::First(const CExpression& expression, const CFocus& fo
   return nodes.m_Nodes.empty() ? nullptr : nodes.m_Nodes.front();
 }
 
-double CPlainEvaluation::Count(const CExpression& expression, const CFocus& focus) {
-  std::size_t count = 0;
+void CPlainEvaluation::ForAll(const CExpression& expression, const CFocus& focus, CVisitor visit) {
   if (expression.m_Paths.size() == 1 && expression.m_Paths.front().m_IsInOrder) {
-    const auto add = [&](DOMNode&) { return ++count != 0; };
-    Visit(expression.m_Paths.front(), focus, add);
+    Visit(expression.m_Paths.front(), focus, visit);
   } else {
-    count = Select(expression, focus, static_cast<std::size_t>(-1)).m_Nodes.size();
+    for (DOMNode* pNode : Select(expression, focus, static_cast<std::size_t>(-1)).m_Nodes)
+      visit(*pNode);
   }
-  return static_cast<double>(count);
+}
+
+double CPlainEvaluation::Sum(const CExpression& expression, const CFocus& focus) {
+  double sum = 0;
+  std::u16string buffer;
+  ForAll(expression, focus, [&](DOMNode& node) {
+    sum += NumberIn(TextOf(node, buffer));
+    return !m_GaveUp;
+  });
+  return Limited(sum);
 }
 
 // -- Values ------------------------------------------------------------------------------
@@ -133,6 +145,7 @@ bool CPlainEvaluation::Truth(const CExpression& expression, const CFocus& focus)
 }
 
 double CPlainEvaluation::Number(const CExpression& expression, const CFocus& focus) {
+  const auto& arguments = expression.m_Arguments;
   std::u16string buffer;
   switch (expression.m_Kind) {
     case EKind::kNumber:
@@ -141,12 +154,25 @@ double CPlainEvaluation::Number(const CExpression& expression, const CFocus& foc
       return static_cast<double>(focus.m_Position);
     case EKind::kLast:
       return static_cast<double>(focus.m_Size);
-    case EKind::kCount:
-      return Count(expression.m_Arguments[0], focus);
+    case EKind::kCount: {
+      double count = 0;
+      ForAll(arguments[0], focus, [&](DOMNode&) { return ++count > 0; });
+      return count;
+    }
+    case EKind::kSum:
+      return Sum(arguments[0], focus);
+    case EKind::kFloor:
+      return std::floor(Number(arguments[0], focus));
+    case EKind::kCeiling:
+      return std::ceil(Number(arguments[0], focus));
+    case EKind::kRound:
+      return Rounded(Number(arguments[0], focus));
+    case EKind::kNegate:
+      return Negated(Number(arguments[0], focus));
     case EKind::kToNumber:
-      return Number(expression.m_Arguments[0], focus);
+      return Number(arguments[0], focus);
     case EKind::kLength:
-      return static_cast<double>(Text(expression.m_Arguments[0], focus, buffer).size());
+      return static_cast<double>(Text(arguments[0], focus, buffer).size());
     default:
       break;
   }
@@ -175,33 +201,6 @@ double CPlainEvaluation::Calculate(const CExpression& expression, const CFocus& 
     return 0;
   }
   return static_cast<double>(static_cast<long>(left) % static_cast<long>(right));
-}
-
-std::u16string_view CPlainEvaluation::Text(const CExpression& expression, const CFocus& focus,
-                                           std::u16string& buffer) {
-  switch (expression.m_Kind) {
-    case EKind::kLiteral:
-      return expression.m_Text;
-    case EKind::kToText:
-      return Text(expression.m_Arguments[0], focus, buffer);
-    case EKind::kNormalized:
-      return Normalized(Text(expression.m_Arguments[0], focus, buffer), buffer);
-    case EKind::kName:
-    case EKind::kLocalName:
-      return Name(expression, focus);
-    default:
-      break;
-  }
-  const DOMNode* pNode = First(expression, focus);
-  return pNode == nullptr ? std::u16string_view() : TextOf(*pNode, buffer);
-}
-
-std::u16string_view CPlainEvaluation::Name(const CExpression& expression, const CFocus& focus) {
-  const DOMNode* pNode = First(expression.m_Arguments[0], focus);
-  if (pNode == nullptr) return {};
-  // To Xalan-C a declaration has its prefix for a name.
-  if (pNode->getNodeType() == DOMNode::ATTRIBUTE_NODE && IsDeclaration(*pNode)) GiveUp();
-  return expression.m_Kind == EKind::kName ? NameOf(*pNode) : LocalNameOf(*pNode);
 }
 
 }  // namespace plain

@@ -33,9 +33,9 @@ class CGrammar {
 
   // Of any type.
   std::string Value(int levels) {
-    switch (Below(levels == 0 ? 4 : 16)) {
+    switch (Below(levels == 0 ? 4 : 19)) {
       case 0:
-        return Any({"1", "2", "0", "10", "-1", "1.5"});
+        return Any({"1", "2", "0", "10", "-1", "1.5", ".5"});
       case 1:
         return Any({"'t'", "\"1\"", "''", "'2'", "'a'", "' '"});
       case 2:
@@ -56,13 +56,23 @@ class CGrammar {
       case 11:
         return Any({"contains(", "starts-with("}) + Text(levels) + ", " + Text(levels) + ")";
       case 12:
-        return Any({"count(", "count(", "string(", "number(", "boolean(", "string-length(",
-                    "normalize-space(", "name("}) +
-               Path(levels - 1) + ")";
+        return Any({"count(", "count(", "sum(", "name(", "namespace-uri("}) + Path(levels - 1) +
+               ")";
       case 13:
-        return Count() + Any({" + ", " - ", " * ", " mod "}) + Count();
+        return Any({"string(", "number(", "boolean(", "string-length(", "normalize-space(",
+                    "floor(", "ceiling(", "round(", "-(", "-("}) +
+               Value(levels - 1) + ")";
       case 14:
         return "(" + Value(levels - 1) + ")";
+      case 15:
+        return Any({"substring-before(", "substring-after(", "concat("}) + Whole(levels) + "," +
+               Value(levels - 1) + ")";
+      case 16:
+        return "substring(" + Whole(levels) + ", " + Count() +
+               Any({")", ", 2)", "," + Count() + ")"});
+      case 17:
+        return Count() + Any({" + ", "+", " - ", "-", " * ", " div 2 * ", " mod "}) + Count() +
+               Any({"", " - " + Count(), "*" + Count()});
       default:
         return Path(levels - 1) + " | " + Path(levels - 1);
     }
@@ -131,6 +141,8 @@ class CGrammar {
   std::string Text(int levels) {
     return OneIn(3) ? Any({"'t'", "'1'", "''", "string(/)"}) : Path(levels / 2);
   }
+  // To the other library a lone minus, as may be cut from a number, is 0.
+  std::string Whole(int levels) { return m_IsOurs ? Value(levels - 1) : Path(levels / 2); }
   std::string Count() { return Any({"position()", "last()", "1", "2", "count(*)", "count(../*)"}); }
 
   std::mt19937 m_Random;

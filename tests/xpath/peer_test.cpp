@@ -176,7 +176,8 @@ TEST(XPathPeer, SelectsAndCalculatesAsLibxml2) {
       if (IsKnownToDiffer(value)) continue;
       const std::string theirs = peers.TheirValues(context, value);
       for (const EPlainPaths way : {EPlainPaths::kOnDom, EPlainPaths::kByXalan}) {
-        EXPECT_EQ(theirs, peers.OurValues(context, value, way)) << value << " of " << text;
+        EXPECT_EQ(theirs, peers.OurValues(context, value, way))
+            << value << " at " << context << " of " << text;
       }
     }
   }
