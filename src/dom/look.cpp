@@ -15,6 +15,12 @@ struct CList : xercesc::DOMNodeListImpl {
   static constexpr auto kParent = &CList::fNode;
 };
 
+// As the XML library compares names that are not null.
+int Compare(const XMLCh* pName, const XMLCh* pOther) {
+  for (; *pName != 0 && *pName == *pOther; ++pName) ++pOther;
+  return int{*pName} - int{*pOther};
+}
+
 }  // namespace
 
 xercesc::DOMDocument& DocumentBehind(const DOMNode& node) {
@@ -31,7 +37,7 @@ DOMAttr* Attribute(const DOMElement& element, const XMLCh* pName) {
   while (first < end) {
     const XMLSize_t middle = (first + end - 1) / 2;  // as the DOM, of several equal names
     auto& attribute = As<xercesc::DOMAttrImpl>(*pItems->elementAt(middle));
-    const int order = XMLString::compareString(pName, attribute.fName);
+    const int order = Compare(pName, attribute.fName);
     if (order == 0) return &attribute;
     (order < 0 ? end : first) = order < 0 ? middle : middle + 1;
   }

@@ -106,11 +106,12 @@ xercesc::DOMAttr* AttributeNS(const xercesc::DOMElement& element, const XMLCh* p
 
 // The value of an attribute; the document keeps it.
 inline const XMLCh* Value(const xercesc::DOMAttr& attribute) {
-  const DOMNode* pText = ParentPart(attribute)->fFirstChild;
+  const DOMNode* pText = As<xercesc::DOMAttrImpl>(attribute).fParent.fFirstChild;
   if (pText == nullptr) return u"";
-  const bool isOneText =
-      pText->getNodeType() == DOMNode::TEXT_NODE && NextSibling(*pText) == nullptr;
-  return isOneText ? pText->getNodeValue() : attribute.getValue();
+  if (pText->getNodeType() != DOMNode::TEXT_NODE) return attribute.getValue();
+  const auto& text = As<xercesc::DOMTextImpl>(*pText);
+  return text.fChild.nextSibling == nullptr ? text.fCharacterData.fDataBuf->getRawBuffer()
+                                            : attribute.getValue();
 }
 
 // -- Walking ----------------------------------------------------------------------

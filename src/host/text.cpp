@@ -120,6 +120,7 @@ constexpr size_t kMostUnits = kMostBytes / 3;
 }  // namespace
 
 CWideText::CWideText(HStr* pString) {
+  if (CodePage() != ECodePage::kForeign && TakeShort(pString)) return;
   const CBytes bytes = BytesOf(pString);
   if (CodePage() != ECodePage::kForeign && IsAscii(bytes.m_pBytes, bytes.m_Count)) {
     XMLCh* pText = Allocate(bytes.m_Count);
@@ -129,6 +130,22 @@ CWideText::CWideText(HStr* pString) {
     m_pTranscoded.reset(XMLString::transcode(CHostText(pString).Get()));
     m_pText = m_pTranscoded.get();
   }
+}
+
+bool CWideText::TakeShort(const HStr* pString) {
+  const HStr handle = pString != nullptr ? *pString : nullptr;
+  const int count = handle != nullptr ? (*handle)->count : 0;
+  if (count >= static_cast<int>(kShort)) return false;
+  const unsigned char* pBytes = handle != nullptr ? (*handle)->bytes : nullptr;
+  unsigned bits = 0;
+  int at = 0;
+  for (; at < count && pBytes[at] != 0; ++at) {
+    m_Short[at] = pBytes[at];
+    bits |= m_Short[at];
+  }
+  m_Short[at] = 0;
+  m_pText = m_Short;
+  return bits < utf8::kAsciiEnd;
 }
 
 XMLCh* CWideText::Allocate(size_t count) {

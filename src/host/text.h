@@ -38,6 +38,8 @@ class CWideText {
  private:
   static constexpr size_t kShort = 48;  // most names fit: no allocation
 
+  // Takes a short text of ASCII in one pass; false for any other.
+  bool TakeShort(const HStr* pString);
   // Room for `count` units and a NUL.
   XMLCh* Allocate(size_t count);
   // False where the bytes are not UTF-8.

@@ -63,18 +63,30 @@ class CIdTable {
     unsigned m_Used = 0;
   };
 
-  // Calls for neighbours come in a row, and for new ids between them: the page of the last
-  // one is at hand, and the newest.
+  struct CRecent {
+    unsigned long m_Number = 0;
+    CPage* m_pPage = nullptr;
+  };
+
+  // Calls for neighbours come in a row, and between them for new ids and for one that stays
+  // the same, such as a parent's: the newest page is at hand, and two more.
   CPage* PageOf(unsigned long id) const {
     const unsigned long number = id / kPageSize;
     if (m_pNewest != nullptr && number == m_NewestPage) return m_pNewest;
-    if (m_pLast != nullptr && number == m_LastPage) return m_pLast;
+    for (const CRecent& recent : m_Recent) {
+      if (recent.m_Number == number && recent.m_pPage != nullptr) return recent.m_pPage;
+    }
+    return Search(number);
+  }
+
+  CPage* Search(unsigned long number) const {
     const auto shelf = m_Shelves.find(number / kShelfSize);
     if (shelf == m_Shelves.end()) return nullptr;
     CPage* pPage = shelf->second->m_Pages[number % kShelfSize].get();
     if (pPage == nullptr) return nullptr;
-    m_LastPage = number;
-    return m_pLast = pPage;
+    m_Recent[m_Oldest] = {number, pPage};
+    m_Oldest = 1 - m_Oldest;
+    return pPage;
   }
 
   // No page has the number yet.
@@ -96,13 +108,15 @@ class CIdTable {
     const auto shelf = m_Shelves.find(number / kShelfSize);
     shelf->second->m_Pages[number % kShelfSize].reset();
     if (--shelf->second->m_Used == 0) m_Shelves.erase(shelf);
-    if (number == m_LastPage) m_pLast = nullptr;
+    for (CRecent& recent : m_Recent) {
+      if (recent.m_Number == number) recent.m_pPage = nullptr;
+    }
   }
 
   absl::btree_map<unsigned long, std::unique_ptr<CShelf>> m_Shelves;
   size_t m_Count = 0;
   CPage* m_pNewest = nullptr;
   unsigned long m_NewestPage = 0;
-  mutable CPage* m_pLast = nullptr;
-  mutable unsigned long m_LastPage = 0;
+  mutable std::array<CRecent, 2> m_Recent{};
+  mutable std::size_t m_Oldest = 0;  // of the recent ones
 };
