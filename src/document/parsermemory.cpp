@@ -9,6 +9,15 @@ using xercesc::MemoryManager;
 
 namespace {
 
+// The address sanitizer sees each block by itself.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kCuts = false;
+#elif defined(__has_feature)
+constexpr bool kCuts = !__has_feature(address_sanitizer);
+#else
+constexpr bool kCuts = true;
+#endif
+
 MemoryManager& Heap() { return *xercesc::XMLPlatformUtils::fgMemoryManager; }
 
 }  // namespace
@@ -19,7 +28,7 @@ CParserMemory::~CParserMemory() {
 
 void* CParserMemory::allocate(XMLSize_t size) {
   const std::size_t kind = size / kUnit + (size % kUnit != 0 ? 1 : 0);
-  if (kind >= kKinds) return AllocateLarge(size);
+  if (!kCuts || kind >= kKinds) return AllocateLarge(size);
   CHead* pHead = m_Free[kind];
   if (pHead != nullptr) {
     m_Free[kind] = pHead->m_pNext;

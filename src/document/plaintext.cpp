@@ -157,6 +157,7 @@ class CPlainText {
     return m_Units.data();
   }
 
+  static constexpr std::size_t kLongestDeclaration = 1024;
   static constexpr std::size_t kShort = 256;  // units that most texts have room in
 
   const CByte* m_pAt;
@@ -172,7 +173,8 @@ class CPlainText {
 
 // Also where none is needed, since an empty text has a place, too.
 XMLCh* CPlainText::Room(std::size_t count) {
-  if (m_Units.size() - m_Count <= count) m_Units.resize(2 * (m_Count + count) + kShort);
+  if (m_Units.size() - m_Count <= count)
+    m_Units.resize(m_Count + count + std::max(m_Count, kShort));
   return m_Units.data() + m_Count;
 }
 
@@ -246,14 +248,17 @@ bool CPlainText::TakeNumber() {
 
 // -- Markup -------------------------------------------------------------------------
 
-// Nothing but the versions, encodings and orders that everybody writes.
+// Nothing but the versions, encodings and orders that everybody writes; and one that is too
+// long is more than the parser looks at.
 bool CPlainText::TakeDeclaration() {
+  const CByte* const pStart = m_pAt;
   std::string_view version, encoding, standalone;
   Skip("<?xml");
   const bool isRight = TakeSetting("version", version) && TakeSetting("encoding", encoding) &&
                        TakeSetting("standalone", standalone);
   SkipSpace();
   if (!isRight || !Skip("?>") || version != "1.0") return false;
+  if (From(pStart).size() > kLongestDeclaration) return false;
   if (!encoding.empty() && encoding != "UTF-8" && encoding != "utf-8") return false;
   if (!standalone.empty() && standalone != "yes" && standalone != "no") return false;
   m_Builder.Declare(std::u16string(encoding.begin(), encoding.end()).c_str(), standalone == "yes");
@@ -380,9 +385,17 @@ bool CPlainText::TakeInstruction() {
 
 }  // namespace
 
+bool MayBeginPlain(std::string_view bytes) {
+  std::string_view text = bytes;
+  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+  const std::size_t first = text.find_first_not_of(" \t\r\n");
+  return first != text.npos && text[first] == '<' && text.find('\0') == text.npos &&
+         text.find("<!DOCTYPE") == text.npos;
+}
+
 CDOMOwner<xercesc::DOMDocument> BuildPlain(std::string_view bytes, const XMLCh* pURI,
                                            bool hasNamespaces) {
   dom::CPlainBuilder builder(pURI, hasNamespaces);
   if (!CPlainText(bytes, builder).Take()) return nullptr;
-  return CDOMOwner<xercesc::DOMDocument>(builder.Take());
+  return CDOMOwner<xercesc::DOMDocument>(builder.TakeDocument().release());
 }

@@ -12,3 +12,6 @@
 // and all messages are its own. A NUL stands behind the bytes.
 CDOMOwner<xercesc::DOMDocument> BuildPlain(std::string_view bytes, const XMLCh* pURI,
                                            bool hasNamespaces);
+
+// Whether a text that begins so may be plain.
+bool MayBeginPlain(std::string_view bytes);

@@ -4,10 +4,10 @@
 #include <xercesc/validators/DTD/DTDElementDecl.hpp>
 
 #include "document/contentmodel.h"
+#include "document/plainfile.h"
 #include "document/plaintext.h"
 #include "document/positionfinder.h"
 #include "document/scannertables.h"
-#include "document/wholefile.h"
 #include "dom/look.h"
 #include "host/guards.h"
 
@@ -48,15 +48,17 @@ void CTreeParser::ParseLimited(const xercesc::InputSource& text, std::string_vie
 
 // Whether the options ask for no more of a text than its tree.
 bool CTreeParser::MayBePlain() const {
-  return getValidationScheme() != Val_Always && !getDoSchema() && !m_KeepsPositions;
+  return getValidationScheme() != Val_Always && !getDoSchema() && !m_KeepsPositions &&
+         !xercesc::XMLPlatformUtils::isNELRecognized();
 }
 
-// What was said of an earlier text, and its tree if nobody took that, go as the scanner would
-// have it.
+// An earlier tree that nobody took goes as the scanner would have it. Memory that is refused
+// here may do for the parser, which needs less at a time.
 bool CTreeParser::ParsePlain(const XMLCh* pName, std::string_view bytes) {
-  auto document = BuildPlain(bytes, pName, getDoNamespaces());
+  CDOMOwner<xercesc::DOMDocument> document;
+  static_cast<void>(Always<domErrUnexpected>::Run(
+      [&] { document = BuildPlain(bytes, pName, getDoNamespaces()); }));
   if (document == nullptr) return false;
-  resetErrors();
   resetDocument();
   fDocument = &dom::Impl(*document.release());
   m_IsPlain = true;
@@ -68,9 +70,11 @@ void CTreeParser::ParseLimited(const char* pName) {
   const auto pSource = m_Resolver.Document(pName);
   if (pSource == nullptr) return Parse(pName, xercesc::XMLUni::fgZeroLenString);
   const XMLCh* pAddress = pSource->getSystemId();
-  const auto pFile = MayBePlain() ? CWholeFile::Read(*pSource) : nullptr;
-  if (pFile == nullptr) return Parse(*m_Capture.Watch(*pSource), pAddress);
-  if (!ParsePlain(pAddress, pFile->Bytes())) Parse(*m_Capture.Watch(*pFile), pAddress);
+  if (MayBePlain()) {
+    const std::optional<std::string> bytes = ReadPlainFile(*pSource);
+    if (bytes && ParsePlain(pAddress, *bytes)) return;
+  }
+  Parse(*m_Capture.Watch(*pSource), pAddress);
 }
 
 void CTreeParser::error(unsigned int code, const XMLCh* pDomain, ErrTypes type, const XMLCh* pText,

@@ -147,11 +147,12 @@ DOMAttrImpl* Enter(DOMElementImpl& element, DOMAttrMapImpl& map, DOMAttrImpl& at
 }
 
 CAttributes EnterAll(DOMElementImpl& element, DOMAttrMapImpl& map, const CAttributes& attributes,
-                     bool hasNamespaces) {
+                     bool hasNamespaces, bool mustDiffer) {
   if (attributes.size() < kMany) return OneByOne(element, map, attributes, hasNamespaces);
   DOMNodeVector& items = ItemsOf(element, map, attributes.size());
   COrder order(items, hasNamespaces);
   for (DOMAttrImpl* pAttribute : attributes) order.Add(*pAttribute);
+  if (mustDiffer && !order.Replaced().empty()) return std::move(order.Replaced());
   if (!order.Finish()) return OneByOne(element, map, attributes, hasNamespaces);
   items.reset();
   for (DOMAttrImpl* pAttribute : order.Items()) items.addElement(pAttribute);

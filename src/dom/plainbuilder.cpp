@@ -37,8 +37,9 @@ bool IsSame(const XMLCh* pText, std::u16string_view other) {
 }  // namespace
 
 CPlainBuilder::CPlainBuilder(const XMLCh* pURI, bool hasNamespaces)
-    : m_pDocument(static_cast<DOMDocumentImpl*>(
+    : m_pOwned(static_cast<DOMDocumentImpl*>(
           xercesc::DOMImplementation::getImplementation()->createDocument(&NodeMemory()))),
+      m_pDocument(m_pOwned.get()),
       m_HasNamespaces(hasNamespaces) {
   m_pDocument->setErrorChecking(false);
   m_pDocument->setDocumentURI(pURI);
@@ -50,10 +51,6 @@ CPlainBuilder::CPlainBuilder(const XMLCh* pURI, bool hasNamespaces)
   m_pXml->m_pURI = Pooled(XMLUni::fgXMLURIName);
 }
 
-CPlainBuilder::~CPlainBuilder() {
-  if (m_pDocument != nullptr) m_pDocument->release();
-}
-
 void CPlainBuilder::Declare(const XMLCh* pEncoding, bool isStandalone) {
   m_pDocument->setXmlStandalone(isStandalone);
   m_pDocument->setXmlVersion(XMLUni::fgVersion1_0);
@@ -61,9 +58,9 @@ void CPlainBuilder::Declare(const XMLCh* pEncoding, bool isStandalone) {
   if (*pEncoding != 0) m_pDocument->setInputEncoding(pEncoding);
 }
 
-DOMDocumentImpl* CPlainBuilder::Take() {
+CDOMOwner<DOMDocumentImpl> CPlainBuilder::TakeDocument() {
   m_pDocument->setErrorChecking(true);
-  return std::exchange(m_pDocument, nullptr);
+  return std::move(m_pOwned);
 }
 
 // -- Names ------------------------------------------------------------------------
@@ -193,7 +190,7 @@ bool CPlainBuilder::AddAttributes(DOMElementImpl& element, std::span<const CAttr
     m_Attributes.push_back(pMade);
   }
   // One that gives way was given twice.
-  return EnterAll(element, *element.fAttributes, m_Attributes, m_HasNamespaces).empty();
+  return EnterAll(element, *element.fAttributes, m_Attributes, m_HasNamespaces, true).empty();
 }
 
 bool CPlainBuilder::Start(std::string_view name, std::span<const CAttribute> attributes,

@@ -11,6 +11,7 @@
 
 #include "dom/hashroom.h"
 #include "dom/parts.h"
+#include "host/domowner.h"
 
 namespace dom {
 
@@ -22,7 +23,6 @@ namespace dom {
 class CPlainBuilder {
  public:
   CPlainBuilder(const XMLCh* pURI, bool hasNamespaces);
-  ~CPlainBuilder();
   CPlainBuilder(const CPlainBuilder&) = delete;
   CPlainBuilder& operator=(const CPlainBuilder&) = delete;
 
@@ -47,8 +47,7 @@ class CPlainBuilder {
   bool IsInElement() const { return !m_Open.empty(); }
   std::string_view OpenName() const { return m_Open.back().m_Name; }
 
-  // The finished document, which is the caller's.
-  xercesc::DOMDocumentImpl* Take();
+  CDOMOwner<xercesc::DOMDocumentImpl> TakeDocument();
 
  private:
   // What a prefix stands for at the place that has been reached; null for nothing.
@@ -90,6 +89,7 @@ class CPlainBuilder {
 
   static constexpr std::size_t kSlots = 256;
 
+  CDOMOwner<xercesc::DOMDocumentImpl> m_pOwned;
   xercesc::DOMDocumentImpl* m_pDocument;
   bool m_HasNamespaces;
   CNameRoom m_Room;

@@ -8,7 +8,9 @@
 namespace {
 
 std::size_t CountOf(const HStr* pText) {
-  return *pText != nullptr ? static_cast<std::size_t>(std::max((**pText)->count, 0)) : 0;
+  return pText != nullptr && *pText != nullptr
+             ? static_cast<std::size_t>(std::max((**pText)->count, 0))
+             : 0;
 }
 
 }  // namespace

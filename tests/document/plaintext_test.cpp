@@ -104,6 +104,7 @@ const CRow kRows[] = {
       "<r><![CDATA[\x01]]></r>",
       "<r><!a></r>",
       "<!DOCTYPE r><r/>",
+      "<?xml version='1.0'" + std::string(2000, ' ') + "?><r/>",
       "<r/><!DOCTYPE r>",
       "<\0r\0/\0>\0"s}},
 };
