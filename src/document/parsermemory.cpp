@@ -27,8 +27,8 @@ CParserMemory::~CParserMemory() {
 }
 
 void* CParserMemory::allocate(XMLSize_t size) {
-  const std::size_t kind = size / kUnit + (size % kUnit != 0 ? 1 : 0);
-  if (!kCuts || kind >= kKinds) return AllocateLarge(size);
+  if (!kCuts || size > (kKinds - 1) * kUnit) return AllocateLarge(size);
+  const std::size_t kind = (size + kUnit - 1) / kUnit;
   CHead* pHead = m_Free[kind];
   if (pHead != nullptr) {
     m_Free[kind] = pHead->m_pNext;

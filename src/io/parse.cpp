@@ -18,7 +18,9 @@ std::size_t CountOf(const HStr* pText) {
 CStringSource::CStringSource(HStr* pText, EBytes bytes, const char* pSystemId)
     : m_Text(pText),
       m_Bytes(m_Text.Get(), bytes == EBytes::kAll ? CountOf(pText) : std::strlen(m_Text.Get())),
-      m_Source(reinterpret_cast<const XMLByte*>(m_Bytes.data()), m_Bytes.size(), pSystemId) {}
+      m_Source(reinterpret_cast<const XMLByte*>(m_Bytes.data()), m_Bytes.size(), pSystemId) {
+  m_Source.setCopyBufToStream(false);  // it lives as long as the stream
+}
 
 TSXStatus ReportParse(CXercesDOM& dom, HStr* pParseErrors) {
   if (dom.m_pParser->ErrorCount() == 0) {
